@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "PublicState.h"
+
+namespace frame {
+
+PublicState &pub()
+{
+    static PublicState state;
+    return state;
+}
+
+} // namespace frame

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Routines.h"
+
+#include "PublicState.h"
+
+#include <Connections.h>
+#include <Recordset.h>
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace frame {
+
+store::Database &basedati()
+{
+    return store::Connections::get(pub().Pathdata, store::keyFromConnect(pub().CodaConnessione));
+}
+
+QVariant LeggeImpostazione(const QString &campo)
+{
+    store::Recordset rs(basedati(), QStringLiteral("select * from Impostazioni"));
+    if (rs.isEmpty())
+        return QString();
+    rs.MoveFirst();
+    const QVariant v = rs.value(campo);
+    return v.isNull() ? QVariant(QString()) : v;
+}
+
+void ScriveImpostazione(const QString &campo, const QVariant &valore)
+{
+    store::Recordset rs(basedati(), QStringLiteral("select * from Impostazioni"));
+    if (rs.isEmpty()) {
+        rs.AddNew();
+    } else {
+        rs.MoveFirst();
+        rs.Edit();
+    }
+    rs.setValue(campo, valore);
+    rs.Update();
+}
+
+QString LeggeTestoSQL(const QString &sql, const QString &campo)
+{
+    store::Recordset rs(basedati(), sql);
+    if (rs.isEmpty())
+        return QString();
+    rs.MoveFirst();
+    const QVariant v = rs.value(campo);
+    return v.isNull() ? QString() : v.toString();
+}
+
+QVariant LeggiCampoSQL(const QString &sql, const QString &campo, const QVariant &predefinito)
+{
+    store::Recordset rs(basedati(), sql);
+    if (rs.isEmpty())
+        return QVariant();
+    rs.MoveFirst();
+    return ValoreNonNullo(rs.value(campo), predefinito);
+}
+
+QString ApiciSQL(const QVariant &valore)
+{
+    if (valore.isNull())
+        return QStringLiteral("''");
+    return QLatin1Char('\'') + RaddoppiaApici(valore.toString()) + QLatin1Char('\'');
+}
+
+QString RaddoppiaApici(const QString &testo)
+{
+    if (!testo.contains(QLatin1Char('\'')))
+        return testo;
+    return QString(testo).replace(QLatin1Char('\''), QLatin1String("''"));
+}
+
+QVariant ValoreNonNullo(const QVariant &valore, const QVariant &predefinito)
+{
+    return valore.isNull() ? predefinito : valore;
+}
+
+void AggiungeBarra(QString &percorso)
+{
+    percorso = percorso.trimmed();
+    if (!percorso.endsWith(QLatin1Char('\\')) && !percorso.endsWith(QLatin1Char('/')))
+        percorso += QLatin1Char('/');
+}
+
+QString ConBarra(const QString &percorso)
+{
+    if (percorso.isEmpty() || percorso.endsWith(QLatin1Char('/')))
+        return percorso;
+    return percorso + QLatin1Char('/');
+}
+
+bool EsisteFile(QString &percorso, bool cartella)
+{
+    if (cartella) {
+        while (percorso.size() > 1 && percorso.endsWith(QLatin1Char('/')))
+            percorso.chop(1);
+        return !percorso.isEmpty() && QFileInfo(percorso).isDir();
+    }
+    if (percorso.isEmpty())
+        return false;
+    const QFileInfo info(percorso);
+    if (info.fileName().contains(QLatin1Char('*')) || info.fileName().contains(QLatin1Char('?')))
+        return !QDir(info.path()).entryList({info.fileName()}, QDir::Files).isEmpty();
+    return info.isFile();
+}
+
+QString TogliSpaziDoppi(QString &testo)
+{
+    const QString t = testo.trimmed();
+    QString risultato;
+    risultato.reserve(t.size());
+    for (qsizetype i = 0; i < t.size(); ++i)
+        if (t.at(i) != QLatin1Char(' ') || i == 0 || t.at(i - 1) != QLatin1Char(' '))
+            risultato += t.at(i);
+    testo = risultato;
+    return risultato;
+}
+
+bool ListaContiene(const QString &testo, const QStringList &lista)
+{
+    return lista.contains(testo);
+}
+
+QString GiornoSettimana(const QDate &data)
+{
+    // Fixed Italian names, Sunday first, whatever the language in use.
+    static const char *const nomi[] = {"Domenica", "Lunedì", "Martedì", "Mercoledì", "Giovedì", "Venerdì", "Sabato"};
+    if (!data.isValid())
+        return QString();
+    return QString::fromUtf8(nomi[data.dayOfWeek() % 7]);
+}
+
+QVariant NumeroONullo(const QVariant &valore)
+{
+    if (valore.isNull())
+        return 0;
+    if (valore.metaType().id() == QMetaType::QString) {
+        bool ok = false;
+        valore.toString().trimmed().toDouble(&ok);
+        return ok ? valore : QVariant(0);
+    }
+    return valore;
+}
+
+QVariant TestoONullo(const QVariant &valore)
+{
+    return valore.isNull() ? QVariant(QString()) : valore;
+}
+
+QString CartellaDati(const QString &pathdata)
+{
+    return pathdata.size() >= 13 ? pathdata.left(pathdata.size() - 13) : QString();
+}
+
+void MostraStato(const QString &testo)
+{
+    if (pub().statusSink)
+        pub().statusSink(testo);
+}
+
+void MostraErrore(Prompter &prompter, const QString &descrizione)
+{
+    MostraStato(QString());
+    prompter.message(descrizione + QLatin1Char('\n'), Prompter::Icon::Critical);
+}
+
+} // namespace frame

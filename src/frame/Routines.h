@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include "Prompter.h"
+
+#include <QDate>
+#include <QStringList>
+#include <QVariant>
+
+namespace store {
+class Database;
+}
+
+namespace frame {
+
+// The working database, through its one connection. Throws store::DbError.
+store::Database &basedati();
+
+// The single row of Impostazioni: a field's value ("" for no row or Null), and its write.
+QVariant LeggeImpostazione(const QString &campo);
+void ScriveImpostazione(const QString &campo, const QVariant &valore);
+// Field of the first row of a query: "" (LeggeTestoSQL) or an invalid QVariant
+// (LeggiCampoSQL) when no row came back; a Null field gives "" or `predefinito`.
+QString LeggeTestoSQL(const QString &sql, const QString &campo);
+QVariant LeggiCampoSQL(const QString &sql, const QString &campo, const QVariant &predefinito = QString());
+
+QString ApiciSQL(const QVariant &valore);
+QString RaddoppiaApici(const QString &testo);
+QVariant ValoreNonNullo(const QVariant &valore, const QVariant &predefinito);
+void AggiungeBarra(QString &percorso);
+QString ConBarra(const QString &percorso);
+// Folder test when `cartella` is true (a final separator is first removed from
+// the path); a file test otherwise, with * and ? as wildcards in the last part.
+bool EsisteFile(QString &percorso, bool cartella = false);
+QString TogliSpaziDoppi(QString &testo);
+bool ListaContiene(const QString &testo, const QStringList &lista);
+QString GiornoSettimana(const QDate &data);
+QVariant NumeroONullo(const QVariant &valore);
+QVariant TestoONullo(const QVariant &valore);
+// The folder of `Pathdata`: the path less the 13 characters of "/basedati.mdb".
+QString CartellaDati(const QString &pathdata);
+
+void MostraStato(const QString &testo);
+void MostraErrore(Prompter &prompter, const QString &descrizione);
+
+} // namespace frame

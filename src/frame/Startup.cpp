@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Startup.h"
+
+#include "Language.h"
+#include "PublicState.h"
+#include "Routines.h"
+#include "SettingsStore.h"
+
+#include <DbError.h>
+
+#include <QDate>
+#include <QDir>
+#include <QLocale>
+#include <QStandardPaths>
+
+namespace frame {
+
+namespace {
+
+QString registro(const QString &chiave, const QString &predefinito)
+{
+    return SettingsStore::get(QLatin1String(SettingsStore::Section), chiave, predefinito);
+}
+
+// Runs one step; a database failure skips it and the start goes on.
+template <typename F>
+void passo(F &&f)
+{
+    try {
+        f();
+    } catch (const store::DbError &) {
+    }
+}
+
+} // namespace
+
+QString FormatoDataDiSistema()
+{
+    // Read off the locale's own format: the clock is never touched.
+    const QString testo = QLocale::system().toString(QDate(2002, 12, 31), QLocale::ShortFormat);
+    return testo.startsWith(QLatin1String("31")) ? QStringLiteral("dd/mm/yyyy") : QStringLiteral("mm/dd/yyyy");
+}
+
+void ImpostaPercorsi(const QString &cartellaProgramma)
+{
+    PublicState &p = pub();
+    p.CartellaProgramma = ConBarra(QDir::cleanPath(cartellaProgramma));
+    p.IndirizzoProdotto = QStringLiteral("https://www.veltano.org/prodotto/");
+    p.IndirizzoSito = QStringLiteral("https://www.veltano.org/");
+    p.CodaConnessione = QStringLiteral(";PWD=quartzel");
+    p.CartellaWin = ConBarra(QStandardPaths::writableLocation(QStandardPaths::TempLocation));
+    p.CartellaTemp = p.CartellaWin + QLatin1String(TitoloApplicazione) + QLatin1Char('/');
+    p.Pathdata = registro(QStringLiteral("Pathdata"), p.CartellaProgramma + QStringLiteral("basedati.mdb"));
+    p.PercorsoElencoBackup.clear();
+    p.CartellaImmagini.clear();
+    if (p.Pathdata.size() >= 13) {
+        p.PercorsoElencoBackup = CartellaDati(p.Pathdata) + QStringLiteral("/ElencoBackup.mdb");
+        p.CartellaImmagini = CartellaDati(p.Pathdata) + QStringLiteral("/immagini/");
+    }
+    p.PercorsoLocadati = p.CartellaProgramma + QStringLiteral("locadati.mdb");
+}
+
+void ImpostaLingua()
+{
+    bool ok = false;
+    const int n = registro(QStringLiteral("lingua"), QStringLiteral("0")).trimmed().toInt(&ok);
+    ElencaLingue();
+    // A number outside the list (a file removed, junk in the store) falls back to the first language.
+    pub().LinguaCorrente = ok && n >= 0 && n < pub().Lingue.size() ? n : 0;
+    CaricaLinguaCorrente();
+    SalvaLingua();
+}
+
+bool OpzioneAttiva(const QString &valore)
+{
+    return valore != TestoLingua("M0305");
+}
+
+void LeggeImpostazioniAvvio()
+{
+    PublicState &p = pub();
+    p.AvvioPark = registro(QStringLiteral("Avvio"), QStringLiteral("N")) == QLatin1String("S");
+    passo([&] {
+        p.AnnoEsercizio = LeggeImpostazione(QStringLiteral("AnnoEsercizio")).toString().trimmed();
+        if (p.AnnoEsercizio.isEmpty()) {
+            p.AnnoEsercizio = QString::number(QDate::currentDate().year());
+            ScriveImpostazione(QStringLiteral("AnnoEsercizio"), p.AnnoEsercizio);
+        }
+    });
+    const struct {
+        const char *campo;
+        bool PublicState::*flag;
+    } opzioni[] = {
+        {"TgObbligatoria", &PublicState::TgObbligatoria},
+        {"OpAnnullare", &PublicState::OpAnnullare},
+        {"OpModificare", &PublicState::OpModificare},
+        {"OpContabilizzare", &PublicState::OpContabilizzare},
+        {"StampaEntrata", &PublicState::StampaEntrata},
+        {"StampaUscita", &PublicState::StampaUscita},
+    };
+    for (const auto &o : opzioni)
+        passo([&] { p.*o.flag = OpzioneAttiva(LeggeImpostazione(QString::fromLatin1(o.campo)).toString()); });
+    passo([&] { p.FasciaDefault = LeggeImpostazione(QStringLiteral("FasciaDefault")).toString(); });
+    p.InsertPremuto = registro(QStringLiteral("InsertPremuto"), QStringLiteral("N")) == QLatin1String("S");
+}
+
+} // namespace frame

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "EntryRoutine.h"
+
+#include "MessageBoxPrompter.h"
+#include "frmMain.h"
+
+#include <Connections.h>
+#include <DbError.h>
+#include <EngineCheck.h>
+#include <Language.h>
+#include <PublicState.h>
+#include <Routines.h>
+#include <Startup.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QStandardPaths>
+
+namespace frame {
+
+int EntryRoutine(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QString::fromLatin1(TitoloApplicazione));
+    QApplication::setOrganizationName(QString::fromLatin1(TitoloApplicazione));
+
+    // A second instance of the same user ends at once, without a word.
+    QLockFile instance(QDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation))
+                           .filePath(QStringLiteral("veltano-%1.lock").arg(QString::fromLocal8Bit(qgetenv("USER")))));
+    instance.setStaleLockTime(0);
+    if (!instance.tryLock(0))
+        return 0;
+
+    MessageBoxPrompter prompter;
+    if (const QString engine = store::engineMismatch(); !engine.isEmpty()) {
+        prompter.message(engine, Prompter::Icon::Critical);
+        return 1;
+    }
+
+    pub().FormatoData = FormatoDataDiSistema();
+    const QString cartella = QApplication::applicationDirPath();
+    QDir::setCurrent(cartella);
+    ImpostaPercorsi(cartella);
+    ImpostaLingua();
+
+    if (!QFileInfo::exists(pub().Pathdata)) {
+        // Only the settings window can name another database; until it is at hand the start ends here.
+        prompter.message(TestoLingua("M0082") + QStringLiteral("\n\n") + pub().Pathdata, Prompter::Icon::Stop);
+        return 1;
+    }
+    try {
+        basedati();
+    } catch (const store::DbError &e) {
+        MostraErrore(prompter, e.message());
+        return 1;
+    }
+
+    frmMain main;
+    main.show();
+    LeggeImpostazioniAvvio();
+    return app.exec();
+}
+
+} // namespace frame

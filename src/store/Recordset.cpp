@@ -1,0 +1,452 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Recordset.h"
+
+#include "DbError.h"
+#include "Sqlite.h"
+
+#include <QStringList>
+
+namespace store {
+
+namespace {
+
+QString quoteName(const QString &name)
+{
+    return QLatin1Char('"') + QString(name).replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"');
+}
+
+QString keyText(const QVariant &key)
+{
+    return key.toString();
+}
+
+} // namespace
+
+Recordset::Recordset(Database &db, const QString &sql, const QVariantList &params)
+    : m_db(db), m_sql(sql), m_params(params)
+{
+    openStatement();
+    for (int i = 0; i < m_stmt->columnCount(); ++i)
+        m_fields.append(m_stmt->field(i));
+
+    // The base table is the table of the first column; the set can be written
+    // when it carries that table's primary key.
+    if (!m_fields.isEmpty() && !m_fields.first().table.isEmpty()) {
+        m_baseTable = m_fields.first().table;
+        Statement info = m_db.prepare(QStringLiteral("PRAGMA table_info(%1)").arg(quoteName(m_baseTable)));
+        while (info.step()) {
+            if (info.value(5).toInt() == 1) {
+                m_baseKey = info.value(1).toString();
+                m_keyIsCounter = info.value(2).toString().compare(QLatin1String("INTEGER"), Qt::CaseInsensitive) == 0;
+            }
+        }
+        for (int i = 0; i < m_fields.size() && !m_baseKey.isEmpty(); ++i) {
+            if (m_fields[i].table.compare(m_baseTable, Qt::CaseInsensitive) == 0
+                && m_fields[i].column.compare(m_baseKey, Qt::CaseInsensitive) == 0) {
+                m_keyColumn = i;
+                break;
+            }
+        }
+    }
+}
+
+Recordset::~Recordset() = default;
+
+void Recordset::openStatement()
+{
+    m_stmt = std::make_unique<Statement>(m_db.prepare(m_sql));
+    m_stmt->bindAll(m_params);
+    m_exhausted = false;
+}
+
+int Recordset::fieldIndex(const QString &name) const
+{
+    for (int i = 0; i < m_fields.size(); ++i)
+        if (m_fields[i].name.compare(name, Qt::CaseInsensitive) == 0)
+            return i;
+    return -1;
+}
+
+const FieldInfo &Recordset::field(const QString &name) const
+{
+    const int i = fieldIndex(name);
+    if (i < 0)
+        throw DbError(SQLITE_ERROR, QStringLiteral("Item not found in this collection: %1").arg(name));
+    return m_fields[i];
+}
+
+bool Recordset::fetchUpTo(qint64 pos)
+{
+    const bool keyed = m_keyColumn >= 0;
+    while ((keyed ? m_keys.size() : m_unkeyed.size()) <= pos) {
+        if (m_exhausted || !m_stmt->step()) {
+            m_exhausted = true;
+            return false;
+        }
+        Row row(m_fields.size());
+        for (int i = 0; i < row.size(); ++i)
+            row[i] = m_stmt->value(i);
+        if (!keyed) {
+            m_unkeyed.append(row);
+            continue;
+        }
+        if (m_addedKeys.contains(keyText(row[m_keyColumn])))
+            continue;
+        m_keys.append(row[m_keyColumn]);
+        cacheRow(m_keys.size() - 1, row);
+    }
+    return true;
+}
+
+void Recordset::fetchAll()
+{
+    fetchUpTo(std::numeric_limits<qint64>::max());
+}
+
+void Recordset::cacheRow(qint64 pos, const Row &row) const
+{
+    const qint64 b = pos / BlockSize;
+    auto it = m_blocks.find(b);
+    if (it == m_blocks.end()) {
+        it = m_blocks.insert(b, QVector<Row>(BlockSize));
+        m_blockOrder.append(b);
+        while (m_blockOrder.size() > MaxBlocks)
+            m_blocks.remove(m_blockOrder.takeFirst());
+        it = m_blocks.find(b);
+    } else if (m_blockOrder.last() != b) {
+        m_blockOrder.removeOne(b);
+        m_blockOrder.append(b);
+    }
+    (*it)[pos % BlockSize] = row;
+}
+
+void Recordset::dropCacheFrom(qint64 pos)
+{
+    const qint64 first = pos / BlockSize;
+    for (auto it = m_blocks.begin(); it != m_blocks.end();) {
+        if (it.key() >= first) {
+            m_blockOrder.removeOne(it.key());
+            it = m_blocks.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
+const Recordset::Row &Recordset::rowAt(qint64 pos) const
+{
+    if (m_keyColumn < 0)
+        return m_unkeyed[pos];
+    const qint64 b = pos / BlockSize;
+    auto it = m_blocks.constFind(b);
+    if (it == m_blocks.constEnd() || it->at(pos % BlockSize).isEmpty()) {
+        // Read the whole block again by its keys, in one query.
+        const qint64 from = b * BlockSize;
+        const qint64 to = std::min<qint64>(from + BlockSize, m_keys.size());
+        QStringList marks;
+        QVariantList params = m_params;
+        QHash<QString, qint64> where;
+        for (qint64 p = from; p < to; ++p) {
+            marks << QStringLiteral("?");
+            params << m_keys[p];
+            where.insert(keyText(m_keys[p]), p);
+        }
+        Statement st = m_db.prepare(QStringLiteral("select * from (%1) where %2 in (%3)")
+                                        .arg(m_sql, quoteName(m_fields[m_keyColumn].name), marks.join(QLatin1Char(','))));
+        st.bindAll(params);
+        while (st.step()) {
+            Row row(m_fields.size());
+            for (int i = 0; i < row.size(); ++i)
+                row[i] = st.value(i);
+            const auto p = where.constFind(keyText(row[m_keyColumn]));
+            if (p != where.constEnd())
+                cacheRow(*p, row);
+        }
+        // Rows that left the query since (a changed or added row) are read from the base table.
+        for (qint64 p = from; p < to; ++p) {
+            auto blk = m_blocks.find(b);
+            if (blk == m_blocks.end() || blk->at(p % BlockSize).isEmpty()) {
+                if (auto row = readByKey(m_keys[p]))
+                    cacheRow(p, *row);
+                else
+                    cacheRow(p, Row(m_fields.size())); // deleted elsewhere: all Null
+            }
+        }
+        it = m_blocks.constFind(b);
+    }
+    return it->at(pos % BlockSize);
+}
+
+std::optional<Recordset::Row> Recordset::readByKey(const QVariant &key) const
+{
+    // First through the query itself, so that joined columns are filled; then
+    // from the base table for a row that no longer meets the query's condition.
+    {
+        Statement st = m_db.prepare(
+            QStringLiteral("select * from (%1) where %2 = ?").arg(m_sql, quoteName(m_fields[m_keyColumn].name)));
+        st.bindAll(m_params + QVariantList{key});
+        if (st.step()) {
+            Row row(m_fields.size());
+            for (int i = 0; i < row.size(); ++i)
+                row[i] = st.value(i);
+            return row;
+        }
+    }
+    Statement st = m_db.prepare(QStringLiteral("select * from %1 where %2 = ?").arg(quoteName(m_baseTable), quoteName(m_baseKey)));
+    st.bind(1, key);
+    if (!st.step())
+        return std::nullopt;
+    Row row(m_fields.size());
+    for (int c = 0; c < st.columnCount(); ++c) {
+        const QString name = st.columnName(c);
+        for (int i = 0; i < m_fields.size(); ++i)
+            if (m_fields[i].table.compare(m_baseTable, Qt::CaseInsensitive) == 0
+                && m_fields[i].column.compare(name, Qt::CaseInsensitive) == 0)
+                row[i] = st.value(c);
+    }
+    return row;
+}
+
+bool Recordset::eof()
+{
+    return m_pos >= 0 && !fetchUpTo(m_pos);
+}
+
+bool Recordset::isEmpty()
+{
+    return !fetchUpTo(0);
+}
+
+qint64 Recordset::RecordCount()
+{
+    if (m_exhausted)
+        return m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size();
+    if (!m_total) {
+        if (m_keyColumn < 0) {
+            fetchAll();
+            return m_unkeyed.size();
+        }
+        Statement st = m_db.prepare(QStringLiteral("select count(*) from (%1)").arg(m_sql));
+        st.bindAll(m_params);
+        st.step();
+        m_total = st.value(0).toLongLong() + m_addedKeys.size();
+    }
+    return *m_total;
+}
+
+bool Recordset::setAbsolutePosition(qint64 pos)
+{
+    if (pos < 0 || !fetchUpTo(pos))
+        return false;
+    m_pos = pos;
+    return true;
+}
+
+void Recordset::MoveFirst()
+{
+    m_pos = fetchUpTo(0) ? 0 : -1;
+}
+
+void Recordset::MoveLast()
+{
+    fetchAll();
+    m_pos = (m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size()) - 1;
+}
+
+void Recordset::MoveNext()
+{
+    if (m_pos < 0 || fetchUpTo(m_pos))
+        ++m_pos;
+    fetchUpTo(m_pos);
+}
+
+void Recordset::MovePrevious()
+{
+    if (m_pos >= 0)
+        --m_pos;
+}
+
+void Recordset::MoveLastModified()
+{
+    if (m_lastModified >= 0)
+        m_pos = m_lastModified;
+}
+
+bool Recordset::FindFirst(const std::function<bool(const Recordset &)> &test)
+{
+    const qint64 saved = m_pos;
+    for (m_pos = 0; fetchUpTo(m_pos); ++m_pos)
+        if (test(*this))
+            return true;
+    m_pos = saved;
+    return false;
+}
+
+bool Recordset::FindFirst(const QString &fieldName, const QVariant &wanted)
+{
+    const int column = fieldIndex(fieldName);
+    if (column < 0)
+        throw DbError(SQLITE_ERROR, QStringLiteral("Item not found in this collection: %1").arg(fieldName));
+    const bool text = wanted.metaType().id() == QMetaType::QString;
+    return FindFirst([&](const Recordset &rs) {
+        const QVariant v = rs.value(column);
+        if (text)
+            return v.toString().compare(wanted.toString(), Qt::CaseInsensitive) == 0;
+        return v == wanted;
+    });
+}
+
+void Recordset::Requery()
+{
+    m_mode = EditMode::None;
+    m_keys.clear();
+    m_unkeyed.clear();
+    m_addedKeys.clear();
+    m_blocks.clear();
+    m_blockOrder.clear();
+    m_total.reset();
+    m_lastModified = -1;
+    openStatement();
+    MoveFirst();
+}
+
+void Recordset::requireCurrent() const
+{
+    if (m_pos < 0 || (m_keyColumn >= 0 ? m_pos >= m_keys.size() : m_pos >= m_unkeyed.size()))
+        throw DbError(SQLITE_ERROR, QStringLiteral("No current record."));
+}
+
+void Recordset::requireUpdatable() const
+{
+    if (m_keyColumn < 0)
+        throw DbError(SQLITE_READONLY, QStringLiteral("The set of rows cannot be updated: %1").arg(m_sql));
+}
+
+QVariant Recordset::value(int column) const
+{
+    if (column < 0 || column >= m_fields.size())
+        throw DbError(SQLITE_RANGE, QStringLiteral("Column %1 out of range").arg(column));
+    if (m_mode != EditMode::None)
+        return fromStorage(m_fields[column].kind, m_buffer[column]);
+    requireCurrent();
+    return fromStorage(m_fields[column].kind, rowAt(m_pos)[column]);
+}
+
+QVariant Recordset::value(const QString &name) const
+{
+    const int column = fieldIndex(name);
+    if (column < 0)
+        throw DbError(SQLITE_ERROR, QStringLiteral("Item not found in this collection: %1").arg(name));
+    return value(column);
+}
+
+QVariant Recordset::key() const
+{
+    return m_keyColumn >= 0 ? value(m_keyColumn) : QVariant();
+}
+
+void Recordset::AddNew()
+{
+    requireUpdatable();
+    m_mode = EditMode::AddNew;
+    m_buffer = Row(m_fields.size());
+    m_dirty = QVector<bool>(m_fields.size(), false);
+}
+
+void Recordset::Edit()
+{
+    requireUpdatable();
+    requireCurrent();
+    m_buffer = rowAt(m_pos);
+    m_dirty = QVector<bool>(m_fields.size(), false);
+    m_mode = EditMode::Edit;
+}
+
+void Recordset::setValue(const QString &name, const QVariant &v)
+{
+    const int column = fieldIndex(name);
+    if (column < 0)
+        throw DbError(SQLITE_ERROR, QStringLiteral("Item not found in this collection: %1").arg(name));
+    setValue(column, v);
+}
+
+void Recordset::setValue(int column, const QVariant &v)
+{
+    if (m_mode == EditMode::None)
+        throw DbError(SQLITE_MISUSE, QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    const FieldInfo &f = m_fields.at(column);
+    if (f.table.compare(m_baseTable, Qt::CaseInsensitive) != 0)
+        throw DbError(SQLITE_READONLY, QStringLiteral("Field '%1' cannot be updated.").arg(f.name));
+    const QVariant stored = toStorage(f.kind, v);
+    if (f.kind == FieldKind::Text && f.size > 0 && stored.toString().size() > f.size)
+        throw DbError(SQLITE_TOOBIG, QStringLiteral("Field '%1' is too small to accept the amount of data (at most %2 characters).")
+                                         .arg(f.name).arg(f.size));
+    m_buffer[column] = stored;
+    m_dirty[column] = true;
+}
+
+void Recordset::Update()
+{
+    if (m_mode == EditMode::None)
+        throw DbError(SQLITE_MISUSE, QStringLiteral("Update or CancelUpdate without AddNew or Edit."));
+    QStringList names;
+    QVariantList values;
+    for (int i = 0; i < m_fields.size(); ++i) {
+        if (m_dirty[i]) {
+            names << quoteName(m_fields[i].column);
+            values << m_buffer[i];
+        }
+    }
+    QVariant key;
+    if (m_mode == EditMode::AddNew) {
+        if (names.isEmpty())
+            m_db.execute(QStringLiteral("insert into %1 default values").arg(quoteName(m_baseTable)));
+        else
+            m_db.execute(QStringLiteral("insert into %1 (%2) values (%3)")
+                             .arg(quoteName(m_baseTable), names.join(QLatin1Char(',')),
+                                  QStringList(QVector<QString>(names.size(), QStringLiteral("?"))).join(QLatin1Char(','))),
+                         values);
+        key = m_keyIsCounter || !m_dirty[m_keyColumn] ? QVariant(m_db.lastInsertId()) : m_buffer[m_keyColumn];
+        m_addedKeys.insert(keyText(key));
+        m_keys.append(key);
+        if (m_total)
+            ++*m_total;
+        m_lastModified = m_keys.size() - 1;
+    } else {
+        key = rowAt(m_pos)[m_keyColumn];
+        if (!names.isEmpty()) {
+            QStringList sets;
+            for (const QString &n : names)
+                sets << n + QStringLiteral(" = ?");
+            m_db.execute(QStringLiteral("update %1 set %2 where %3 = ?")
+                             .arg(quoteName(m_baseTable), sets.join(QLatin1Char(',')), quoteName(m_baseKey)),
+                         values + QVariantList{key});
+        }
+        if (m_dirty[m_keyColumn])
+            m_keys[m_pos] = key = m_buffer[m_keyColumn];
+        m_lastModified = m_pos;
+    }
+    m_mode = EditMode::None;
+    cacheRow(m_lastModified, readByKey(key).value_or(m_buffer));
+}
+
+void Recordset::CancelUpdate()
+{
+    m_mode = EditMode::None;
+    m_buffer.clear();
+}
+
+void Recordset::Delete()
+{
+    requireUpdatable();
+    requireCurrent();
+    m_db.execute(QStringLiteral("delete from %1 where %2 = ?").arg(quoteName(m_baseTable), quoteName(m_baseKey)),
+                 {rowAt(m_pos)[m_keyColumn]});
+    m_keys.removeAt(m_pos);
+    dropCacheFrom(m_pos);
+    if (m_total)
+        --*m_total;
+    m_lastModified = -1;
+}
+
+} // namespace store

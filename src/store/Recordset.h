@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include "Database.h"
+#include "FieldKind.h"
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QVariant>
+#include <QVector>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace store {
+
+// A navigable, updatable set of rows over any SELECT on a table or a view.
+//
+// Rows are read lazily: opening runs the query and reads nothing, moving on
+// reads as far as needed. Of the rows read, only their keys stay in memory
+// for good; whole rows live in a bounded cache of blocks and are read again
+// by key when needed, so a set of a million rows costs a few megabytes.
+//
+// Edits are written to the base table of the set (the table of its first
+// column) by its primary key, so rows of a view update the table beneath.
+class Recordset {
+public:
+    enum class EditMode { None, Edit, AddNew };
+
+    Recordset(Database &db, const QString &sql, const QVariantList &params = {});
+    ~Recordset();
+    Recordset(const Recordset &) = delete;
+    Recordset &operator=(const Recordset &) = delete;
+
+    const QVector<FieldInfo> &fields() const { return m_fields; }
+    int fieldIndex(const QString &name) const; // case-blind, -1 when absent
+    const FieldInfo &field(const QString &name) const;
+    bool updatable() const { return m_keyColumn >= 0; }
+    const QString &baseTable() const { return m_baseTable; }
+
+    // Navigation. Positions run from 0; -1 is before the first row (BOF) and
+    // RecordCount() after the last (EOF).
+    bool bof() const { return m_pos < 0; }
+    bool eof();
+    bool isEmpty();
+    qint64 RecordCount();
+    qint64 AbsolutePosition() const { return m_pos; }
+    bool setAbsolutePosition(qint64 pos);
+    void MoveFirst();
+    void MoveLast();
+    void MoveNext();
+    void MovePrevious();
+    void MoveLastModified();
+    // Moves to the first row for which the test holds; stays put and returns false if none.
+    bool FindFirst(const std::function<bool(const Recordset &)> &test);
+    bool FindFirst(const QString &field, const QVariant &value);
+    void Requery();
+
+    // Values of the current row (or of the edit buffer while editing), as program
+    // values: Currency, QDateTime, bool, qint64, double, QString; Null is an invalid QVariant.
+    QVariant value(int column) const;
+    QVariant value(const QString &field) const;
+    QVariant key() const;
+
+    void AddNew();
+    void Edit();
+    void setValue(const QString &field, const QVariant &value);
+    void setValue(int column, const QVariant &value);
+    void Update();
+    void CancelUpdate();
+    void Delete();
+    EditMode editMode() const { return m_mode; }
+
+private:
+    using Row = QVector<QVariant>;
+    static constexpr int BlockSize = 256;
+    static constexpr int MaxBlocks = 64;
+
+    void openStatement();
+    bool fetchUpTo(qint64 pos); // reads forward until `pos` is read; false if the set ends first
+    void fetchAll();
+    const Row &rowAt(qint64 pos) const;
+    std::optional<Row> readByKey(const QVariant &key) const;
+    void cacheRow(qint64 pos, const Row &row) const;
+    void dropCacheFrom(qint64 pos);
+    void requireCurrent() const;
+    void requireUpdatable() const;
+
+    Database &m_db;
+    QString m_sql;
+    QVariantList m_params;
+    QVector<FieldInfo> m_fields;
+    QString m_baseTable;
+    QString m_baseKey;           // primary-key column of the base table
+    int m_keyColumn = -1;        // column of the set holding that key
+    bool m_keyIsCounter = false;
+
+    std::unique_ptr<Statement> m_stmt;
+    bool m_exhausted = false;
+    QVector<Row> m_unkeyed;      // rows of sets without a key: kept whole
+    QVector<QVariant> m_keys;    // keys of the rows read so far, in order
+    QSet<QString> m_addedKeys;   // rows added here, skipped when the query reaches them
+    mutable QHash<qint64, QVector<Row>> m_blocks;
+    mutable QList<qint64> m_blockOrder; // least recently used first
+    std::optional<qint64> m_total;
+
+    qint64 m_pos = -1;
+    qint64 m_lastModified = -1;
+    EditMode m_mode = EditMode::None;
+    Row m_buffer;
+    QVector<bool> m_dirty;
+};
+
+} // namespace store

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Schema.h"
+
+#include "Database.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+namespace store::Schema {
+
+namespace {
+
+// Declared types carry the kind and size of each field, so that forms read them
+// from the database: TEXT(n), MEMO, LONG, CURRENCY, DOUBLE, DATE, YESNO, LONGBINARY;
+// the counter keys are INTEGER PRIMARY KEY.
+const char *const WorkingTables = R"SQL(
+CREATE TABLE Movimentazioni (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  Anno TEXT(4),
+  Progressivo LONG,
+  DataOra DATE,
+  DataOraOut DATE,
+  Targa TEXT(20),
+  IdFascia TEXT(10),
+  Note TEXT(255),
+  NoteImporto TEXT(70),
+  Importo CURRENCY DEFAULT 0,
+  Entrato YESNO DEFAULT 0,
+  Annullato YESNO DEFAULT 0,
+  Contabilizzato YESNO DEFAULT 0,
+  IdUtente LONG,
+  IdUtenteOut LONG
+);
+CREATE INDEX Movimentazioni_AnnoProgressivo ON Movimentazioni (Anno, Progressivo);
+CREATE INDEX Movimentazioni_Stato ON Movimentazioni (Entrato, Annullato, Contabilizzato);
+CREATE INDEX Movimentazioni_Targa ON Movimentazioni (Targa);
+CREATE INDEX Movimentazioni_DataOra ON Movimentazioni (DataOra);
+
+CREATE TABLE Clienti (
+  Id INTEGER PRIMARY KEY AUTOINCREMENT,
+  Cliente YESNO DEFAULT -1,
+  Titolo TEXT(20),
+  Cognome TEXT(100),
+  Nome TEXT(50),
+  Contatto TEXT(100),
+  Indirizzo TEXT(100),
+  "Località" TEXT(50),
+  Cap TEXT(10),
+  Provincia TEXT(30),
+  CF TEXT(20),
+  Email TEXT(100),
+  "Tel Casa" TEXT(30),
+  "Tel Uff" TEXT(30),
+  "Tel Cel" TEXT(30),
+  "Tel Cel2" TEXT(30),
+  "Tel Altro" TEXT(30),
+  QualificaCliente TEXT(50),
+  Note MEMO,
+  Marca TEXT(30),
+  VModello TEXT(50),
+  Targa TEXT(10),
+  Posto TEXT(30),
+  Canone DOUBLE DEFAULT 0,
+  DataScadenzaAssic DATE,
+  DataUltimoPagamento DATE,
+  SaldoEntrate DOUBLE DEFAULT 0,
+  SaldoUscite DOUBLE DEFAULT 0,
+  "Data Registrazione" DATE,
+  DataUltimaModifica DATE,
+  IdUtente LONG
+);
+CREATE INDEX Clienti_Nominativo ON Clienti (Cognome, Nome);
+CREATE INDEX Clienti_Targa ON Clienti (Targa);
+
+CREATE TABLE Cassa (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  IdCliente LONG REFERENCES Clienti (Id),
+  IdUtente LONG,
+  Data DATE,
+  Descrizione TEXT(255),
+  Entrata DOUBLE DEFAULT 0,
+  Uscita DOUBLE DEFAULT 0,
+  Esercizio TEXT(4)
+);
+CREATE INDEX Cassa_IdCliente ON Cassa (IdCliente);
+CREATE INDEX Cassa_Data ON Cassa (Data);
+CREATE INDEX Cassa_Esercizio ON Cassa (Esercizio);
+
+CREATE TABLE Fascia (
+  id TEXT(10) PRIMARY KEY,
+  DescrizioneFascia TEXT(50),
+  Importo CURRENCY DEFAULT 0,
+  Minuti1Frazione LONG DEFAULT 0,
+  ImportoSuccessivo CURRENCY DEFAULT 0,
+  MinutiSucFrazione LONG DEFAULT 0
+);
+
+CREATE TABLE QualificaCliente (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  descrizione TEXT(50)
+);
+
+CREATE TABLE Autorizzazioni (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  Utente TEXT(50),
+  Password TEXT(50),
+  Master TEXT(1)
+);
+CREATE INDEX Autorizzazioni_Utente ON Autorizzazioni (Utente);
+
+CREATE TABLE Accessi (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  IdAutorizzazioni LONG,
+  Item LONG,
+  Autorizzazione TEXT(10),
+  Abilitato YESNO DEFAULT -1,
+  Visibile YESNO DEFAULT -1,
+  Password TEXT(50)
+);
+CREATE INDEX Accessi_Utente ON Accessi (IdAutorizzazioni, Item);
+
+CREATE TABLE TabProgressivi (
+  Anno TEXT(4) PRIMARY KEY,
+  Progressivo LONG DEFAULT 0,
+  EntrataPrecedente DOUBLE DEFAULT 0,
+  UscitaPrecedente DOUBLE DEFAULT 0
+);
+
+CREATE TABLE Impostazioni (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  AnnoEsercizio TEXT(4),
+  VerDatabase LONG,
+  TgObbligatoria TEXT(20),
+  OpAnnullare TEXT(20),
+  OpModificare TEXT(20),
+  OpContabilizzare TEXT(20),
+  StampaEntrata TEXT(20),
+  StampaUscita TEXT(20),
+  FasciaDefault TEXT(10),
+  IRagSoc TEXT(100),
+  IAttivita1 TEXT(100),
+  IAttivita2 TEXT(100),
+  IAttivita3 TEXT(100),
+  IIndirizzo TEXT(100),
+  ICap TEXT(10),
+  IPr TEXT(30),
+  ILocalita TEXT(50),
+  ICF TEXT(30),
+  IEmail TEXT(100),
+  ITel TEXT(30),
+  IIndHttp TEXT(255),
+  IIndFTP TEXT(255),
+  ILoginFTP TEXT(50),
+  IpswFTP TEXT(50),
+  IproxyFTP TEXT(255),
+  ILogoP LONGBINARY,
+  ILogoS LONGBINARY
+);
+
+CREATE VIEW Q_Movimentazioni_Utenti AS
+SELECT Movimentazioni.*,
+       Autorizzazioni.Utente AS "Autorizzazioni.utente",
+       Autorizzazioni_1.Utente AS "Autorizzazioni_1.utente"
+FROM Movimentazioni
+LEFT JOIN Autorizzazioni ON Autorizzazioni.id = Movimentazioni.IdUtente
+LEFT JOIN Autorizzazioni AS Autorizzazioni_1 ON Autorizzazioni_1.id = Movimentazioni.IdUtenteOut;
+
+CREATE VIEW Q_Clienti_Utenti AS
+SELECT Clienti.*, Autorizzazioni.Utente AS Utente
+FROM Clienti
+LEFT JOIN Autorizzazioni ON Autorizzazioni.id = Clienti.IdUtente;
+)SQL";
+
+const char *const BackupCatalogue = R"SQL(
+CREATE TABLE backup (
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
+  Data DATE,
+  Utilizzatore TEXT(50),
+  Percorso TEXT(255),
+  NomeFile TEXT(255),
+  Note TEXT(255)
+);
+CREATE INDEX backup_Data ON backup (Data);
+)SQL";
+
+} // namespace
+
+void createWorkingTables(Database &db)
+{
+    db.executeScript(QString::fromUtf8(WorkingTables));
+}
+
+void insertDeliveredRows(Database &db, int minorVersion)
+{
+    // The yes/no settings hold the word for yes ("S") or no ("N") of the language files.
+    db.execute(QStringLiteral(
+                   "insert into Impostazioni (AnnoEsercizio, VerDatabase, TgObbligatoria, OpAnnullare, OpModificare, "
+                   "OpContabilizzare, StampaEntrata, StampaUscita, FasciaDefault, IRagSoc, ILoginFTP) "
+                   "values ('', ?, 'N', 'S', 'S', 'S', 'N', 'N', '01', 'Veltano', 'anonymous')"),
+               {minorVersion});
+    db.execute(QStringLiteral("insert into Autorizzazioni (Utente, Password, Master) values ('administrator', null, 'S')"));
+    db.execute(QStringLiteral("insert into Autorizzazioni (Utente, Password, Master) values ('processo automatico', null, null)"));
+    db.execute(QStringLiteral("insert into Fascia values ('01', ?, ?, 60, 0, 0)"),
+               {QStringLiteral("Tariffa oraria"), qint64(2 * 10000)});
+    db.execute(QStringLiteral("insert into Fascia values ('02', ?, ?, 60, ?, 30)"),
+               {QStringLiteral("Prima ora e mezz'ore successive"), qint64(3 * 10000), qint64(15000)});
+}
+
+void createBackupCatalogue(Database &db)
+{
+    db.executeScript(QString::fromUtf8(BackupCatalogue));
+}
+
+QStringList writeDeliveredDatabases(const QString &folder, int minorVersion)
+{
+    QStringList written;
+    QDir().mkpath(folder);
+    const QString working = QDir(folder).filePath(QStringLiteral("basedati.mdb"));
+    if (!QFileInfo::exists(working)) {
+        const QString scratch = working + QStringLiteral(".new");
+        QFile::remove(scratch);
+        {
+            Database db(scratch, QLatin1String(DatabaseKey), Database::Mode::Create);
+            Transaction t(db);
+            createWorkingTables(db);
+            insertDeliveredRows(db, minorVersion);
+            t.commit();
+        }
+        QFile::rename(scratch, working);
+        written << working;
+    }
+    const QString catalogue = QDir(folder).filePath(QStringLiteral("ElencoBackup.mdb"));
+    if (!QFileInfo::exists(catalogue)) {
+        const QString scratch = catalogue + QStringLiteral(".new");
+        QFile::remove(scratch);
+        {
+            Database db(scratch, QLatin1String(DatabaseKey), Database::Mode::Create);
+            createBackupCatalogue(db);
+        }
+        QFile::rename(scratch, catalogue);
+        written << catalogue;
+    }
+    return written;
+}
+
+} // namespace store::Schema

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include <QString>
+
+namespace store {
+
+class Database;
+
+namespace Schema {
+
+// Tables, indexes and the two stored queries of the working database.
+void createWorkingTables(Database &db);
+// The delivered rows: the settings row, the two system users, example tariff bands.
+void insertDeliveredRows(Database &db, int minorVersion);
+// The catalogue of backups.
+void createBackupCatalogue(Database &db);
+
+// Writes the delivered files into `folder` where they are missing; an existing
+// file is never touched. Returns the names written.
+QStringList writeDeliveredDatabases(const QString &folder, int minorVersion);
+
+} // namespace Schema
+} // namespace store

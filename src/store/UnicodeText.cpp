@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "UnicodeText.h"
+
+#include "Sqlite.h"
+
+namespace store {
+
+namespace {
+
+QString argText(sqlite3_value *v)
+{
+    return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(v)), sqlite3_value_bytes(v));
+}
+
+void likeFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
+{
+    if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL)
+        return sqlite3_result_null(ctx);
+    QChar escape;
+    if (argc == 3) {
+        const QString e = argText(argv[2]);
+        if (e.size() != 1)
+            return sqlite3_result_error(ctx, "ESCAPE expression must be a single character", -1);
+        escape = e.at(0);
+    }
+    // argv[0] is the pattern, argv[1] the text tested against it.
+    sqlite3_result_int(ctx, likeMatch(argText(argv[0]), argText(argv[1]), escape) ? 1 : 0);
+}
+
+int compareCaseBlind(void *, int lenA, const void *a, int lenB, const void *b)
+{
+    const QString sa = QString::fromUtf8(static_cast<const char *>(a), lenA);
+    const QString sb = QString::fromUtf8(static_cast<const char *>(b), lenB);
+    return QString::compare(sa, sb, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+bool likeMatch(const QString &pattern, const QString &text, QChar escape)
+{
+    const QString p = pattern.toCaseFolded();
+    const QString t = text.toCaseFolded();
+    qsizetype pi = 0, ti = 0;
+    qsizetype starP = -1, starT = 0; // position after the last '%' and the text position it matched up to
+    while (ti < t.size()) {
+        if (pi < p.size()) {
+            const QChar pc = p.at(pi);
+            if (!escape.isNull() && pc == escape && pi + 1 < p.size()) {
+                if (p.at(pi + 1) == t.at(ti)) {
+                    pi += 2;
+                    ++ti;
+                    continue;
+                }
+            } else if (pc == QLatin1Char('%')) {
+                starP = ++pi;
+                starT = ti;
+                continue;
+            } else if (pc == QLatin1Char('_') || pc == t.at(ti)) {
+                ++pi;
+                ++ti;
+                continue;
+            }
+        }
+        if (starP < 0)
+            return false;
+        pi = starP;
+        ti = ++starT;
+    }
+    while (pi < p.size() && p.at(pi) == QLatin1Char('%'))
+        ++pi;
+    return pi == p.size();
+}
+
+void registerUnicodeText(sqlite3 *db)
+{
+    const int flags = SQLITE_UTF8 | SQLITE_DETERMINISTIC;
+    sqlite3_create_function(db, "like", 2, flags, nullptr, likeFunction, nullptr, nullptr);
+    sqlite3_create_function(db, "like", 3, flags, nullptr, likeFunction, nullptr, nullptr);
+    sqlite3_create_collation(db, CaseBlindCollation, SQLITE_UTF8, nullptr, compareCaseBlind);
+}
+
+} // namespace store

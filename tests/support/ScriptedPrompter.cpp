@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ScriptedPrompter.h"
+
+void ScriptedPrompter::message(const QString &text, Icon icon, const QString &)
+{
+    messages << Shown{text, icon};
+}
+
+frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons, Answer defaultAnswer, const QString &)
+{
+    questions << text;
+    if (m_answers.isEmpty()) {
+        ++unanswered;
+        return defaultAnswer;
+    }
+    return m_answers.takeFirst();
+}
+
+std::optional<QString> ScriptedPrompter::input(const QString &prompt, const QString &, const QString &)
+{
+    questions << prompt;
+    if (m_inputs.isEmpty()) {
+        ++unanswered;
+        return std::nullopt;
+    }
+    return m_inputs.takeFirst();
+}
