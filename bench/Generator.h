@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include <QString>
+
+namespace bench {
+
+struct Volume {
+    int movimenti = 1000000;
+    int clienti = 10000;
+    int anni = 5;          // fiscal years, the last one current
+    int ultimoAnno = 2026;
+};
+
+// Writes a working database at `path` (replacing it) with the delivered rows,
+// `v.movimenti` movements spread over the years in every state, and customers
+// with cash rows. Deterministic: the same volume gives the same file.
+void GeneraBasedati(const QString &path, const Volume &v);
+
+} // namespace bench
