@@ -226,10 +226,21 @@ qint64 Recordset::RecordCount()
             fetchAll();
             return m_unkeyed.size();
         }
-        Statement st = m_db.prepare(QStringLiteral("select count(*) from (%1)").arg(m_sql));
-        st.bindAll(m_params);
-        st.step();
-        m_total = st.value(0).toLongLong() + m_addedKeys.size();
+        m_total = m_db.scalar(QStringLiteral("select count(*) from (%1)").arg(m_sql), m_params).toLongLong();
+        // Rows added here stand in the set whether or not the query would find them.
+        if (!m_addedKeys.isEmpty()) {
+            QStringList marks;
+            QVariantList params = m_params;
+            for (const QVariant &k : std::as_const(m_addedKeys)) {
+                marks << QStringLiteral("?");
+                params << k;
+            }
+            const qint64 found = m_db.scalar(QStringLiteral("select count(*) from (%1) where %2 in (%3)")
+                                                 .arg(m_sql, quoteName(m_fields[m_keyColumn].name), marks.join(QLatin1Char(','))),
+                                             params)
+                                     .toLongLong();
+            *m_total += m_addedKeys.size() - found;
+        }
     }
     return *m_total;
 }
@@ -407,7 +418,7 @@ void Recordset::Update()
                                   QStringList(QVector<QString>(names.size(), QStringLiteral("?"))).join(QLatin1Char(','))),
                          values);
         key = m_keyIsCounter || !m_dirty[m_keyColumn] ? QVariant(m_db.lastInsertId()) : m_buffer[m_keyColumn];
-        m_addedKeys.insert(keyText(key));
+        m_addedKeys.insert(keyText(key), key);
         m_keys.append(key);
         if (m_total)
             ++*m_total;

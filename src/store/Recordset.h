@@ -5,7 +5,6 @@
 
 #include <QHash>
 #include <QList>
-#include <QSet>
 #include <QVariant>
 #include <QVector>
 
@@ -100,7 +99,7 @@ private:
     bool m_exhausted = false;
     QVector<Row> m_unkeyed;      // rows of sets without a key: kept whole
     QVector<QVariant> m_keys;    // keys of the rows read so far, in order
-    QSet<QString> m_addedKeys;   // rows added here, skipped when the query reaches them
+    QHash<QString, QVariant> m_addedKeys; // rows added here, skipped when the query reaches them
     mutable QHash<qint64, QVector<Row>> m_blocks;
     mutable QList<qint64> m_blockOrder; // least recently used first
     std::optional<qint64> m_total;

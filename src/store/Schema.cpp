@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <functional>
+
 namespace store::Schema {
 
 namespace {
@@ -212,35 +214,40 @@ void createBackupCatalogue(Database &db)
     db.executeScript(QString::fromUtf8(BackupCatalogue));
 }
 
+namespace {
+
+// Builds a database under a scratch name and gives it its name only when
+// complete, so that a failure never leaves a half-made file in its place.
+bool writeIfMissing(const QString &path, const std::function<void(Database &)> &build)
+{
+    if (QFileInfo::exists(path))
+        return false;
+    const QString scratch = path + QStringLiteral(".new");
+    QFile::remove(scratch);
+    {
+        Database db(scratch, QLatin1String(DatabaseKey), Database::Mode::Create);
+        Transaction t(db);
+        build(db);
+        t.commit();
+    }
+    return QFile::rename(scratch, path);
+}
+
+} // namespace
+
 QStringList writeDeliveredDatabases(const QString &folder, int minorVersion)
 {
     QStringList written;
     QDir().mkpath(folder);
     const QString working = QDir(folder).filePath(QStringLiteral("basedati.mdb"));
-    if (!QFileInfo::exists(working)) {
-        const QString scratch = working + QStringLiteral(".new");
-        QFile::remove(scratch);
-        {
-            Database db(scratch, QLatin1String(DatabaseKey), Database::Mode::Create);
-            Transaction t(db);
+    if (writeIfMissing(working, [&](Database &db) {
             createWorkingTables(db);
             insertDeliveredRows(db, minorVersion);
-            t.commit();
-        }
-        QFile::rename(scratch, working);
+        }))
         written << working;
-    }
     const QString catalogue = QDir(folder).filePath(QStringLiteral("ElencoBackup.mdb"));
-    if (!QFileInfo::exists(catalogue)) {
-        const QString scratch = catalogue + QStringLiteral(".new");
-        QFile::remove(scratch);
-        {
-            Database db(scratch, QLatin1String(DatabaseKey), Database::Mode::Create);
-            createBackupCatalogue(db);
-        }
-        QFile::rename(scratch, catalogue);
+    if (writeIfMissing(catalogue, createBackupCatalogue))
         written << catalogue;
-    }
     return written;
 }
 
