@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <cmath>
+
 namespace frame {
 
 store::Database &basedati()
@@ -138,8 +140,9 @@ QVariant NumeroONullo(const QVariant &valore)
         return 0;
     if (valore.metaType().id() == QMetaType::QString) {
         bool ok = false;
-        valore.toString().trimmed().toDouble(&ok);
-        return ok ? valore : QVariant(0);
+        const double d = valore.toString().trimmed().toDouble(&ok);
+        // toDouble takes "nan" and "inf", which are no numbers a user or a field holds.
+        return ok && std::isfinite(d) ? valore : QVariant(0);
     }
     return valore;
 }
