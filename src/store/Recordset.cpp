@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 namespace store {
 
 namespace {
@@ -249,47 +251,56 @@ bool Recordset::setAbsolutePosition(qint64 pos)
 {
     if (pos < 0 || !fetchUpTo(pos))
         return false;
+    m_deletedCurrent = false;
     m_pos = pos;
     return true;
 }
 
 void Recordset::MoveFirst()
 {
+    m_deletedCurrent = false;
     m_pos = fetchUpTo(0) ? 0 : -1;
 }
 
 void Recordset::MoveLast()
 {
+    m_deletedCurrent = false;
     fetchAll();
     m_pos = (m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size()) - 1;
 }
 
 void Recordset::MoveNext()
 {
-    if (m_pos < 0 || fetchUpTo(m_pos))
+    // After a Delete the row that followed already stands at the current position.
+    if (!std::exchange(m_deletedCurrent, false) && (m_pos < 0 || fetchUpTo(m_pos)))
         ++m_pos;
     fetchUpTo(m_pos);
 }
 
 void Recordset::MovePrevious()
 {
+    m_deletedCurrent = false;
     if (m_pos >= 0)
         --m_pos;
 }
 
 void Recordset::MoveLastModified()
 {
-    if (m_lastModified >= 0)
+    if (m_lastModified >= 0) {
         m_pos = m_lastModified;
+        m_deletedCurrent = false;
+    }
 }
 
 bool Recordset::FindFirst(const std::function<bool(const Recordset &)> &test)
 {
     const qint64 saved = m_pos;
+    const bool savedDeleted = std::exchange(m_deletedCurrent, false);
     for (m_pos = 0; fetchUpTo(m_pos); ++m_pos)
         if (test(*this))
             return true;
     m_pos = saved;
+    m_deletedCurrent = savedDeleted;
     return false;
 }
 
@@ -317,12 +328,15 @@ void Recordset::Requery()
     m_blockOrder.clear();
     m_total.reset();
     m_lastModified = -1;
+    m_deletedCurrent = false;
     openStatement();
     MoveFirst();
 }
 
 void Recordset::requireCurrent() const
 {
+    if (m_deletedCurrent)
+        throw DbError(SQLITE_ERROR, QStringLiteral("Record is deleted."));
     if (m_pos < 0 || (m_keyColumn >= 0 ? m_pos >= m_keys.size() : m_pos >= m_unkeyed.size()))
         throw DbError(SQLITE_ERROR, QStringLiteral("No current record."));
 }
@@ -451,13 +465,15 @@ void Recordset::Delete()
 {
     requireUpdatable();
     requireCurrent();
-    m_db.execute(QStringLiteral("delete from %1 where %2 = ?").arg(quoteName(m_baseTable), quoteName(m_baseKey)),
-                 {rowAt(m_pos)[m_keyColumn]});
+    const QVariant key = rowAt(m_pos)[m_keyColumn];
+    m_db.execute(QStringLiteral("delete from %1 where %2 = ?").arg(quoteName(m_baseTable), quoteName(m_baseKey)), {key});
     m_keys.removeAt(m_pos);
+    m_addedKeys.remove(keyText(key)); // gone from the table: no longer counted as added
     dropCacheFrom(m_pos);
     if (m_total)
         --*m_total;
     m_lastModified = -1;
+    m_deletedCurrent = true;
 }
 
 } // namespace store

@@ -106,6 +106,7 @@ private:
 
     qint64 m_pos = -1;
     qint64 m_lastModified = -1;
+    bool m_deletedCurrent = false; // the current row was deleted; the next move leaves it
     EditMode m_mode = EditMode::None;
     Row m_buffer;
     QVector<bool> m_dirty;

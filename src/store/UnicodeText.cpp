@@ -27,10 +27,26 @@ void likeFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
     sqlite3_result_int(ctx, likeMatch(argText(argv[0]), argText(argv[1]), escape) ? 1 : 0);
 }
 
+// The text without its accents ("À" gives "A"), so that accented letters sort with their letter.
+QString baseLetters(const QString &text)
+{
+    bool ascii = true;
+    for (QChar c : text)
+        ascii = ascii && c.unicode() < 0x80;
+    if (ascii)
+        return text;
+    QString base = text.normalized(QString::NormalizationForm_D);
+    base.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
+    return base;
+}
+
 int compareCaseBlind(void *, int lenA, const void *a, int lenB, const void *b)
 {
     const QString sa = QString::fromUtf8(static_cast<const char *>(a), lenA);
     const QString sb = QString::fromUtf8(static_cast<const char *>(b), lenB);
+    // Letters first, then accents: a < À = à < àb < b; case never counts.
+    if (const int byLetter = QString::compare(baseLetters(sa), baseLetters(sb), Qt::CaseInsensitive))
+        return byLetter;
     return QString::compare(sa, sb, Qt::CaseInsensitive);
 }
 
