@@ -8,6 +8,16 @@
 
 namespace frame {
 
+// One menu item and what a user may do with it.
+struct ElementoAccesso {
+    int Item = 0;
+    QString Descrizione;     // the item's text with "&" in front
+    QString Autorizzazione;  // one letter: C, L, A, M, N, X
+    bool Abilitato = false;
+    bool Visibile = false;
+    bool Password = false;
+};
+
 struct TestoLinguaVoce {
     QString chiave;
     QString testo;
@@ -39,6 +49,10 @@ struct PublicState {
     QString PasswordCorrente;
     bool UtenteMaster = false;
     QString Pathdata;
+    QVector<ElementoAccesso> ElencoElementi;
+    QVector<ElementoAccesso> DirittiUtente;
+    int IndiceTabelle = 0;
+    int IndiceStampe = 0;
     QStringList Lingue;
     QVector<TestoLinguaVoce> TestiLingua;
     int LinguaCorrente = 0;

@@ -2,6 +2,9 @@
 #include "Schema.h"
 
 #include "Database.h"
+#include "UnicodeText.h"
+
+#include <QRegularExpression>
 
 #include <QDir>
 #include <QFileInfo>
@@ -188,9 +191,21 @@ CREATE INDEX backup_Data ON backup (Data);
 
 } // namespace
 
+namespace {
+
+// Text compares blind to case, as users expect of names, plates and codes.
+QString caseBlindText(const char *ddl)
+{
+    QString s = QString::fromUtf8(ddl);
+    static const QRegularExpression text(QStringLiteral("\\b(TEXT\\(\\d+\\)|MEMO)(?=[ ,\\n])"));
+    return s.replace(text, QStringLiteral("\\1 COLLATE ") + QLatin1String(CaseBlindCollation));
+}
+
+} // namespace
+
 void createWorkingTables(Database &db)
 {
-    db.executeScript(QString::fromUtf8(WorkingTables));
+    db.executeScript(caseBlindText(WorkingTables));
 }
 
 void insertDeliveredRows(Database &db, int minorVersion)
@@ -211,7 +226,7 @@ void insertDeliveredRows(Database &db, int minorVersion)
 
 void createBackupCatalogue(Database &db)
 {
-    db.executeScript(QString::fromUtf8(BackupCatalogue));
+    db.executeScript(caseBlindText(BackupCatalogue));
 }
 
 namespace {

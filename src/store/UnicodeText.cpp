@@ -3,6 +3,8 @@
 
 #include "Sqlite.h"
 
+#include <algorithm>
+
 namespace store {
 
 namespace {
@@ -40,8 +42,35 @@ QString baseLetters(const QString &text)
     return base;
 }
 
+// Plain ASCII, the common case of plates and codes, is compared byte by byte.
+int compareAscii(const unsigned char *a, int lenA, const unsigned char *b, int lenB, bool *ascii)
+{
+    const int n = std::min(lenA, lenB);
+    for (int i = 0; i < n; ++i) {
+        if (a[i] >= 0x80 || b[i] >= 0x80) {
+            *ascii = false;
+            return 0;
+        }
+        const int ca = (a[i] >= 'A' && a[i] <= 'Z') ? a[i] + 32 : a[i];
+        const int cb = (b[i] >= 'A' && b[i] <= 'Z') ? b[i] + 32 : b[i];
+        if (ca != cb)
+            return ca < cb ? -1 : 1;
+    }
+    for (int i = n; i < lenA; ++i)
+        if (a[i] >= 0x80)
+            *ascii = false;
+    for (int i = n; i < lenB; ++i)
+        if (b[i] >= 0x80)
+            *ascii = false;
+    return lenA == lenB ? 0 : (lenA < lenB ? -1 : 1);
+}
+
 int compareCaseBlind(void *, int lenA, const void *a, int lenB, const void *b)
 {
+    bool ascii = true;
+    const int quick = compareAscii(static_cast<const unsigned char *>(a), lenA, static_cast<const unsigned char *>(b), lenB, &ascii);
+    if (ascii)
+        return quick;
     const QString sa = QString::fromUtf8(static_cast<const char *>(a), lenA);
     const QString sb = QString::fromUtf8(static_cast<const char *>(b), lenB);
     // Letters first, then accents: a < À = à < àb < b; case never counts.

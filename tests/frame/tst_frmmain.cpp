@@ -1,8 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <Connections.h>
+#include <Database.h>
+#include <FrmPassword.h>
+#include <Language.h>
 #include <PublicState.h>
 #include <Routines.h>
 #include <SettingsStore.h>
+#include <frmLogin.h>
 #include <frmMain.h>
+
+#include <ScriptedPrompter.h>
+#include <TestDatabase.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTimer>
 
 #include <QFile>
 #include <QScreen>
@@ -11,15 +26,33 @@
 using frame::SettingsStore::get;
 using frame::SettingsStore::save;
 
+using frame::MenuVoci;
+
+// Answers the next modal dialog once it is up.
+template <typename F>
+void whenModal(F &&f)
+{
+    QTimer::singleShot(0, [f] {
+        if (QWidget *w = QApplication::activeModalWidget())
+            f(w);
+    });
+}
+
 class TestFrmMain : public QObject {
     Q_OBJECT
+
+    ScriptedPrompter m_prompter;
 
     static QString key(const char *k) { return QString::fromLatin1(k); }
     static QString section() { return QString::fromLatin1(frame::SettingsStore::Section); }
 
 private slots:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
-    void init() { QFile::remove(frame::SettingsStore::fileName()); }
+    void init()
+    {
+        QFile::remove(frame::SettingsStore::fileName());
+        m_prompter = ScriptedPrompter();
+    }
 
     void geometryFromSettings()
     {
@@ -27,7 +60,7 @@ private slots:
         save(section(), key("MainTop"), key("30"));
         save(section(), key("MainWidth"), key("700"));
         save(section(), key("MainHeight"), key("500"));
-        frame::frmMain w;
+        frame::frmMain w(m_prompter);
         QCOMPARE(w.pos(), QPoint(40, 30));
         QCOMPARE(w.size(), QSize(700, 500));
         QVERIFY(w.windowTitle().startsWith(QLatin1String("Veltano ")));
@@ -38,14 +71,14 @@ private slots:
     {
         save(section(), key("MainWidth"), key("abc"));
         save(section(), key("MainHeight"), key("-5"));
-        frame::frmMain w;
+        frame::frmMain w(m_prompter);
         const QSize screen = QGuiApplication::primaryScreen()->availableGeometry().size();
         QCOMPARE(w.size(), screen);
     }
 
     void statusPanel()
     {
-        frame::frmMain w;
+        frame::frmMain w(m_prompter);
         frame::MostraStato(QStringLiteral("Compacting..."));
         QCOMPARE(w.statusText(), QStringLiteral("Compacting..."));
         frame::MostraStato(QString());
@@ -55,7 +88,7 @@ private slots:
     void closingSavesGeometry()
     {
         {
-            frame::frmMain w;
+            frame::frmMain w(m_prompter);
             w.move(12, 34);
             w.resize(640, 480);
             w.show();
@@ -72,7 +105,7 @@ private slots:
     {
         save(section(), key("MainWidth"), key("900"));
         {
-            frame::frmMain w;
+            frame::frmMain w(m_prompter);
             w.show();
             w.resize(300, 200);
             w.showMinimized();
@@ -81,6 +114,153 @@ private slots:
             w.close();
         }
         QCOMPARE(get(section(), key("MainWidth")), key("900"));
+    }
+
+    void loginWindow_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<bool>("accepted");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("administrator, empty") << "administrator" << "" << true << "";
+        QTest::newRow("wrong password") << "administrator" << "x" << false << "M0100";
+        QTest::newRow("unknown user") << "nobody" << "" << false << "M0101";
+    }
+    // The window reads its boxes, calls the check and closes only on success.
+    void loginWindow()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, password);
+        QFETCH(bool, accepted);
+        QFETCH(QString, message);
+        TestDatabase db;
+        frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
+        QVERIFY(login.prepara());
+        auto *user = login.findChild<QComboBox *>(QStringLiteral("TDBCUserName"));
+        QCOMPARE(user->currentText(), QStringLiteral("administrator"));
+        user->setCurrentText(name);
+        login.findChild<QLineEdit *>(QStringLiteral("txtPassword"))->setText(password);
+        login.show();
+        QTest::keyClick(&login, Qt::Key_F5);
+        QCOMPARE(login.LoginSucceeded(), accepted);
+        QCOMPARE(login.result() == QDialog::Accepted, accepted);
+        if (!message.isEmpty())
+            QCOMPARE(m_prompter.messages.last().text, frame::TestoLingua(message.toLatin1().constData()));
+        if (accepted)
+            QCOMPARE(frame::pub().ElencoElementi.size(), 17);
+    }
+
+    // A database file that is not a database: the user declines the repair and the start ends.
+    void loginOnJunkFile()
+    {
+        TestDatabase db;
+        store::Connections::closeAll();
+        QFile f(db.path());
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(QByteArray(8192, 'x'));
+        f.close();
+        frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
+        m_prompter.answer(frame::Prompter::Answer::Cancel);
+        QVERIFY(!login.prepara());
+        QCOMPARE(m_prompter.questions.size(), 1);
+        QVERIFY(m_prompter.questions.first().startsWith(frame::TestoLingua("M0093")));
+        QCOMPARE(m_prompter.messages.last().text, frame::TestoLingua("M0099"));
+    }
+
+    void menusForAdministrator()
+    {
+        TestDatabase db;
+        frame::frmMain w(m_prompter);
+        QVERIFY(!w.menu(QStringLiteral("ana"))->menuAction()->isVisible());
+        frame::pub().UtenteCorrente = QStringLiteral("administrator");
+        frame::CostruisceElencoElementi();
+        frame::pub().DirittiUtente.clear();
+        w.ApplicaSessione();
+        QVERIFY(w.menu(QStringLiteral("ana"))->menuAction()->isVisible());
+        QCOMPARE(w.menu(QStringLiteral("ana"))->actions().size(), 4);
+        QCOMPARE(w.menu(QStringLiteral("Sta"))->actions().size(), 7);
+        QCOMPARE(w.voce(MenuVoci::Anagrafiche, 2)->text(), QLatin1Char('&') + frame::TestoLingua("M0264"));
+        // Service items stand before the login entry; administrator may use them all.
+        QCOMPARE(w.menu(QStringLiteral("ser"))->actions().first(), w.voce(MenuVoci::Servizio, 0));
+        QVERIFY(w.voce(MenuVoci::Servizio, 2)->isEnabled());
+
+        // A second login rebuilds the menus instead of adding to them.
+        w.ApplicaSessione();
+        QCOMPARE(w.menu(QStringLiteral("ana"))->actions().size(), 4);
+
+        int opened = 0;
+        w.RegistraFinestra(111, [&opened](frame::frmMain &main) {
+            ++opened;
+            auto *child = new QWidget(&main);
+            return child;
+        });
+        w.BottoniMain(QStringLiteral("park"));
+        QCOMPARE(opened, 1);
+    }
+
+    // A limited user: rights shape the menus, the toolbar and the letter a window gets.
+    void menusForLimitedUser()
+    {
+        TestDatabase db;
+        store::Database &base = frame::basedati();
+        base.execute(QStringLiteral("insert into Autorizzazioni (Utente, Password) values ('mario', 'Pw')"));
+        const int id = int(base.lastInsertId());
+        const QVariantList rows[] = {
+            {id, 101, QStringLiteral("L"), true, false, QString()},
+            {id, 105, QStringLiteral("A"), true, true, QStringLiteral("S")},
+            {id, 111, QStringLiteral("X"), true, true, QString()},
+            {id, 131, QStringLiteral("C"), false, true, QString()},
+        };
+        for (const QVariantList &r : rows)
+            base.execute(QStringLiteral("insert into Accessi (IdAutorizzazioni, Item, Autorizzazione, Abilitato, Visibile, Password) "
+                                        "values (?, ?, ?, ?, ?, ?)"),
+                         r);
+        frame::pub().UtenteCorrente = QStringLiteral("mario");
+        frame::pub().IdUtenteCorrente = id;
+        frame::pub().PasswordCorrente = QStringLiteral("Pw");
+        frame::CostruisceElencoElementi();
+        frame::LeggeDirittiUtente(base, id);
+
+        frame::frmMain w(m_prompter);
+        w.ApplicaSessione();
+        QCOMPARE(w.voce(MenuVoci::Anagrafiche, 0)->text(), QString());
+        QVERIFY(!w.voce(MenuVoci::Anagrafiche, 3)->isEnabled());
+
+        QStringList letters;
+        for (int item : {101, 105, 111, 131})
+            w.RegistraFinestra(item, [&letters](frame::frmMain &main) {
+                letters << QString();
+                return new QWidget(&main);
+            });
+        w.CliccaVoce(MenuVoci::Anagrafiche, 0); // empty caption: nothing
+        QCOMPARE(letters.size(), 0);
+
+        w.BottoniMain(QStringLiteral("park"));
+        QCOMPARE(letters.size(), 1);
+        QCOMPARE(w.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).last()->property("Tag").toString(),
+                 QStringLiteral("X"));
+        w.BottoniMain(QStringLiteral("utenti")); // not enabled: the toolbar does nothing
+        QCOMPARE(letters.size(), 1);
+
+        // The item marked for a password asks for it again, letter case included.
+        whenModal([](QWidget *dlg) {
+            dlg->findChild<QLineEdit *>(QStringLiteral("txtPassword"))->setText(QStringLiteral("pw"));
+            dlg->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
+            QTimer::singleShot(0, [dlg] { dlg->findChild<QPushButton *>(QStringLiteral("cmdCancel"))->click(); });
+        });
+        w.CliccaVoce(MenuVoci::Anagrafiche, 1);
+        QCOMPARE(letters.size(), 1);
+        QCOMPARE(m_prompter.messages.last().text, frame::TestoLingua("M0100"));
+        whenModal([](QWidget *dlg) {
+            dlg->findChild<QLineEdit *>(QStringLiteral("txtPassword"))->setText(QStringLiteral("Pw"));
+            dlg->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
+        });
+        w.CliccaVoce(MenuVoci::Anagrafiche, 1);
+        QCOMPARE(letters.size(), 2);
+
+        // Only administrator opens the settings.
+        w.menu(QStringLiteral("Imp"))->actions().first()->trigger();
+        QCOMPARE(m_prompter.messages.last().text, frame::TestoLingua("M0373"));
     }
 };
 

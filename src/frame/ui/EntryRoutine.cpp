@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EntryRoutine.h"
 
-#include "MessageBoxPrompter.h"
+#include <MessageBoxPrompter.h>
+#include "frmLogin.h"
 #include "frmMain.h"
 
-#include <Connections.h>
-#include <DbError.h>
 #include <EngineCheck.h>
 #include <Language.h>
 #include <PublicState.h>
@@ -50,16 +49,21 @@ int EntryRoutine(int argc, char **argv)
         prompter.message(TestoLingua("M0082") + QStringLiteral("\n\n") + pub().Pathdata, Prompter::Icon::Stop);
         return 1;
     }
-    try {
-        basedati();
-    } catch (const store::DbError &e) {
-        MostraErrore(prompter, e.message());
-        return 1;
-    }
-
-    frmMain main;
+    frmMain main(prompter);
     main.show();
+    main.Avvio();
     LeggeImpostazioniAvvio();
+
+    {
+        frmLogin login(prompter, frmLogin::Modo::Accesso, &main);
+        if (!login.prepara() || login.exec() != QDialog::Accepted || !login.LoginSucceeded())
+            return 0;
+    }
+    // A database repaired at the login had its settings unread.
+    if (pub().AnnoEsercizio.isEmpty())
+        LeggeImpostazioniAvvio();
+    main.ApplicaSessione();
+    main.PrimaAttivazione();
     return app.exec();
 }
 

@@ -1,16 +1,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMain.h"
 
-#include <PublicState.h>
-#include <SettingsStore.h>
+#include "FrmPassword.h"
+#include "frmLogin.h"
 
+#include <Compaction.h>
+#include <Language.h>
+#include <Prompter.h>
+#include <PublicState.h>
+#include <Routines.h>
+#include <SettingsStore.h>
+#include <Update.h>
+#include <Version.h>
+#include <frmAggiornaMDB.h>
+#include <frmCopia.h>
+#include <frmRipristina.h>
+
+#include <DbError.h>
+
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDate>
+#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QProcess>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QUrl>
 
 namespace frame {
 
@@ -21,14 +45,29 @@ QString registro(const QString &key, const QString &def)
     return SettingsStore::get(QLatin1String(SettingsStore::Section), key, def);
 }
 
-void salva(const QString &key, int value)
+void salva(const QString &key, const QString &value)
 {
-    SettingsStore::save(QLatin1String(SettingsStore::Section), key, QString::number(value));
+    SettingsStore::save(QLatin1String(SettingsStore::Section), key, value);
+}
+
+// The top menus that stay hidden until someone has signed in.
+const char *const MenuDopoAccesso[] = {"ana", "tab", "Sta", "ser", "Imp", "chiu", "mnuLan", "help"};
+
+const char *nomeMenu(MenuVoci m)
+{
+    switch (m) {
+    case MenuVoci::Anagrafiche: return "ana";
+    case MenuVoci::Tabelle: return "tab";
+    case MenuVoci::Stampe: return "Sta";
+    case MenuVoci::Servizio: return "ser";
+    }
+    return "";
 }
 
 } // namespace
 
-frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_mdi(new QMdiArea(this)), m_panel1(new QLabel(this))
+frmMain::frmMain(Prompter &prompter, QWidget *parent)
+    : QMainWindow(parent), m_prompter(prompter), m_mdi(new QMdiArea(this)), m_panel1(new QLabel(this))
 {
     setObjectName(QStringLiteral("frmMain"));
     setCentralWidget(m_mdi);
@@ -36,8 +75,15 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_mdi(new QMdiArea(this
     m_panel1->setObjectName(QStringLiteral("sbStatusBar_panel1"));
     statusBar()->setObjectName(QStringLiteral("sbStatusBar"));
     statusBar()->addWidget(m_panel1, 1);
-    ImpostaTitolo();
+    creaMenu();
+    creaToolbar();
+    impostaDidascalie();
+    setWindowTitle(QString::fromLatin1(TitoloApplicazione) + QLatin1Char(' ') + QString::fromLatin1(VersioneProgramma));
     restoreGeometryFromSettings();
+
+    const bool barra = registro(QStringLiteral("BarraStumenti"), QStringLiteral("S")) == QLatin1String("S");
+    m_toolbar->setVisible(barra);
+    m_azioni.value(QStringLiteral("BarraStrumenti"))->setChecked(barra);
 
     pub().statusSink = [this](const QString &text) {
         m_panel1->setText(text);
@@ -45,11 +91,168 @@ frmMain::frmMain(QWidget *parent) : QMainWindow(parent), m_mdi(new QMdiArea(this
             QApplication::restoreOverrideCursor();
         statusBar()->repaint();
     };
+    pub().languageMenuSink = [this](int corrente) {
+        const QList<QAction *> voci = m_menu.value(QStringLiteral("mnuLan"))->actions();
+        for (int i = 0; i < voci.size() && i < 20; ++i)
+            voci[i]->setChecked(i == corrente);
+    };
 }
 
 frmMain::~frmMain()
 {
     pub().statusSink = nullptr;
+    pub().languageMenuSink = nullptr;
+}
+
+void frmMain::creaMenu()
+{
+    auto top = [this](const char *nome) {
+        QMenu *m = menuBar()->addMenu(QString::fromLatin1(nome));
+        m->setObjectName(QString::fromLatin1(nome));
+        m_menu.insert(QString::fromLatin1(nome), m);
+        return m;
+    };
+    auto azione = [this](QMenu *menu, const char *nome, const QString &testo, auto &&slot) {
+        QAction *a = menu->addAction(testo);
+        a->setObjectName(QString::fromLatin1(nome));
+        connect(a, &QAction::triggered, this, slot);
+        m_azioni.insert(QString::fromLatin1(nome), a);
+        return a;
+    };
+    top("ana");
+    top("tab");
+    top("Sta");
+    QMenu *ser = top("ser");
+    QAction *sep = ser->addSeparator();
+    sep->setObjectName(QStringLiteral("serSeparatore"));
+    m_azioni.insert(sep->objectName(), sep);
+    azione(ser, "log", QStringLiteral("&Login..."), [this] { login(); });
+
+    QMenu *utilita = top("utilita");
+    azione(utilita, "calcolatrice", QStringLiteral("&Calcolatrice"), [this] { calcolatrice(); });
+    // The phone book lives in the customers window and the counters in the settings: nothing stands behind these two.
+    azione(utilita, "rubrica", QStringLiteral("&Rubrica"),
+           [this] { MostraErrore(m_prompter, QStringLiteral("Object variable not set: rubrica")); });
+
+    QMenu *imp = top("Imp");
+    azione(imp, "impostazioni", QString(), [this] {
+        if (pub().UtenteCorrente != QLatin1String("administrator"))
+            m_prompter.information(TestoLingua("M0373"));
+    });
+    azione(imp, "Impostazioni_progressivi", QStringLiteral("&Progressivi"),
+           [this] { MostraErrore(m_prompter, QStringLiteral("Object variable not set: Impostazioni_progressivi")); });
+    QAction *barra = azione(imp, "BarraStrumenti", QString(), [this](bool on) { m_toolbar->setVisible(on); });
+    barra->setCheckable(true);
+
+    QMenu *finestre = top("mnuWindow");
+    azione(finestre, "mnuWindowCascade", QString(), [this] { m_mdi->cascadeSubWindows(); });
+    azione(finestre, "mnuWindowTileHorizontal", QString(), [this] { affianca(Qt::Vertical); });
+    azione(finestre, "mnuWindowTileVertical", QString(), [this] { affianca(Qt::Horizontal); });
+
+    top("mnuLan")->setTitle(QStringLiteral("&Lingua / Language"));
+
+    QMenu *help = top("help");
+    help->setTitle(QStringLiteral("&?"));
+    azione(help, "guida", QString(), [this] {
+        const QString nome = pub().Lingue.value(pub().LinguaCorrente).toLower();
+        QDesktopServices::openUrl(QUrl(pub().IndirizzoProdotto + QStringLiteral("guide/help_") + nome + QStringLiteral(".htm")));
+    });
+    azione(help, "informazioni", QString(), [this] {
+        frmLogin about(m_prompter, frmLogin::Modo::About, this);
+        about.exec();
+    });
+    azione(help, "mnuUpgrade", QString(), [] {});
+    m_azioni.value(QStringLiteral("mnuUpgrade"))->setEnabled(false);
+
+    QAction *chiu = menuBar()->addAction(QStringLiteral("chiu"));
+    chiu->setObjectName(QStringLiteral("chiu"));
+    connect(chiu, &QAction::triggered, this, &QWidget::close);
+    m_azioni.insert(QStringLiteral("chiu"), chiu);
+
+    for (const char *nome : MenuDopoAccesso) {
+        if (QMenu *m = m_menu.value(QString::fromLatin1(nome)))
+            m->menuAction()->setVisible(false);
+        else
+            m_azioni.value(QString::fromLatin1(nome))->setVisible(false);
+    }
+}
+
+void frmMain::creaToolbar()
+{
+    m_toolbar = addToolBar(QStringLiteral("Toolbar1"));
+    m_toolbar->setObjectName(QStringLiteral("Toolbar1"));
+    m_toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    const struct {
+        const char *chiave;
+        QStyle::StandardPixmap icona;
+    } bottoni[] = {
+        {"clienti", QStyle::SP_DirHomeIcon},
+        {"park", QStyle::SP_DriveHDIcon},
+        {"utenti", QStyle::SP_FileDialogDetailedView},
+        {"esci", QStyle::SP_DialogCloseButton},
+    };
+    for (const auto &b : bottoni) {
+        const QString chiave = QString::fromLatin1(b.chiave);
+        QAction *a = m_toolbar->addAction(style()->standardIcon(b.icona), chiave);
+        a->setObjectName(chiave);
+        connect(a, &QAction::triggered, this, [this, chiave] { BottoniMain(chiave); });
+        m_azioni.insert(QStringLiteral("tb_") + chiave, a);
+    }
+    m_toolbar->setVisible(true);
+}
+
+void frmMain::impostaDidascalie()
+{
+    const struct {
+        const char *controllo;
+        const char *chiave;
+    } didascalie[] = {
+        {"impostazioni", "M0357"}, {"mnuWindow", "M0274"}, {"mnuWindowCascade", "M0275"},
+        {"mnuWindowTileHorizontal", "M0276"}, {"mnuWindowTileVertical", "M0277"}, {"BarraStrumenti", "M0278"},
+        {"guida", "M0279"}, {"informazioni", "M0280"}, {"mnuUpgrade", "M0282"}, {"ana", "M0283"},
+        {"tab", "M0284"}, {"Sta", "M0285"}, {"ser", "M0286"}, {"Imp", "M0287"}, {"chiu", "M0288"},
+    };
+    for (const auto &d : didascalie) {
+        const QString nome = QString::fromLatin1(d.controllo);
+        if (QMenu *m = m_menu.value(nome))
+            m->setTitle(TestoLingua(d.chiave));
+        else if (QAction *a = m_azioni.value(nome))
+            a->setText(TestoLingua(d.chiave));
+    }
+    m_menu.value(QStringLiteral("utilita"))->setTitle(QStringLiteral("&Strumenti / Tools"));
+    const struct {
+        const char *bottone;
+        const char *chiave;
+    } suggerimenti[] = {{"clienti", "M0262"}, {"park", "M0264"}, {"utenti", "M0265"}, {"esci", "M0288"}};
+    for (const auto &s : suggerimenti) {
+        QAction *a = m_azioni.value(QStringLiteral("tb_") + QString::fromLatin1(s.bottone));
+        QString testo = TestoLingua(s.chiave);
+        a->setToolTip(testo);
+        a->setText(testo.remove(QLatin1Char('&')));
+    }
+}
+
+// Lays the child windows side by side (Horizontal) or one above the other (Vertical).
+void frmMain::affianca(Qt::Orientation verso)
+{
+    const QList<QMdiSubWindow *> finestre = m_mdi->subWindowList();
+    if (finestre.isEmpty())
+        return;
+    const QRect area = m_mdi->viewport()->rect();
+    const int n = int(finestre.size());
+    for (int i = 0; i < n; ++i) {
+        QMdiSubWindow *w = finestre[i];
+        w->showNormal();
+        if (verso == Qt::Horizontal)
+            w->setGeometry(area.width() * i / n, 0, area.width() / n, area.height());
+        else
+            w->setGeometry(0, area.height() * i / n, area.width(), area.height() / n);
+    }
+}
+
+void frmMain::RegistraFinestra(int item, Apertura apertura)
+{
+    m_finestre.insert(item, std::move(apertura));
 }
 
 QString frmMain::statusText() const
@@ -57,9 +260,14 @@ QString frmMain::statusText() const
     return m_panel1->text();
 }
 
-void frmMain::ImpostaTitolo()
+QMenu *frmMain::menu(const QString &nome) const
 {
-    setWindowTitle(QString::fromLatin1(TitoloApplicazione) + QLatin1Char(' ') + QStringLiteral(VELTANO_VERSION));
+    return m_menu.value(nome);
+}
+
+QAction *frmMain::voce(MenuVoci menu, int indice) const
+{
+    return m_voci.value(int(menu)).value(indice);
 }
 
 void frmMain::restoreGeometryFromSettings()
@@ -73,7 +281,7 @@ void frmMain::restoreGeometryFromSettings()
     };
     const int left = number(registro(QStringLiteral("MainLeft"), QStringLiteral("0")), 0);
     const int top = number(registro(QStringLiteral("MainTop"), QStringLiteral("0")), 0);
-    // Junk or a size beyond the screen falls back to the screen's size.
+    // Junk or a size beyond reason falls back to the screen's size.
     int width = number(registro(QStringLiteral("MainWidth"), QString()), screen.width());
     int height = number(registro(QStringLiteral("MainHeight"), QString()), screen.height());
     if (width < 200 || width > 4 * screen.width())
@@ -84,16 +292,201 @@ void frmMain::restoreGeometryFromSettings()
     resize(width, height);
 }
 
+void frmMain::Avvio()
+{
+    safety::compatta_locadati();
+    try {
+        if (safety::AggiornamentoDovuto(VersioneMinore)) {
+            frmAggiornaMDB aggiorna(m_prompter, this);
+            aggiorna.exec();
+        }
+    } catch (const store::DbError &) {
+        // A database that cannot be read is the login's to handle.
+    }
+}
+
+void frmMain::ApplicaSessione()
+{
+    for (const char *nome : MenuDopoAccesso) {
+        if (QMenu *m = m_menu.value(QString::fromLatin1(nome)))
+            m->menuAction()->setVisible(true);
+        else
+            m_azioni.value(QString::fromLatin1(nome))->setVisible(true);
+    }
+    impostaDidascalie();
+
+    // A new login rebuilds the item menus for the user who signed in.
+    for (auto it = m_voci.begin(); it != m_voci.end(); ++it) {
+        qDeleteAll(*it);
+        it->clear();
+    }
+    for (const VoceMenu &v : VociMenu()) {
+        QMenu *menu = m_menu.value(QString::fromLatin1(nomeMenu(v.menu)));
+        QAction *a = new QAction(v.didascalia, menu);
+        a->setObjectName(QStringLiteral("%1_%2").arg(QString::fromLatin1(nomeMenu(v.menu))).arg(v.indice));
+        a->setEnabled(v.abilitato);
+        a->setVisible(v.visibile);
+        // The service items come before the separator and the login entry.
+        menu->insertAction(v.menu == MenuVoci::Servizio ? m_azioni.value(QStringLiteral("serSeparatore")) : nullptr, a);
+        const MenuVoci quale = v.menu;
+        const int indice = v.indice;
+        connect(a, &QAction::triggered, this, [this, quale, indice] { CliccaVoce(quale, indice); });
+        m_voci[int(v.menu)].append(a);
+    }
+}
+
+void frmMain::CliccaVoce(MenuVoci menu, int indice)
+{
+    QAction *a = voce(menu, indice);
+    if (!a || a->text().isEmpty())
+        return;
+    const int posizione = PosizioneDiritti(menu, indice);
+    QString lettera;
+    if (!EAmministratore()) {
+        const ElementoAccesso *diritto = DirittoAlla(posizione);
+        if (!diritto) {
+            MostraErrore(m_prompter, QStringLiteral("Subscript out of range: no rights for this user."));
+            return;
+        }
+        if (diritto->Password && !FrmPassword::Conferma(m_prompter, this))
+            return;
+        lettera = diritto->Autorizzazione;
+    }
+    if (menu == MenuVoci::Servizio) {
+        servizio(indice);
+        return;
+    }
+    // The window of the item, by its place in the list of items.
+    const int elemento = indice + (menu == MenuVoci::Tabelle ? pub().IndiceTabelle : menu == MenuVoci::Stampe ? pub().IndiceStampe : 0);
+    apri(elemento, lettera);
+}
+
+void frmMain::apri(int posizione, const QString &lettera)
+{
+    const int item = pub().ElencoElementi.value(posizione).Item;
+    const auto it = m_finestre.constFind(item);
+    if (it == m_finestre.constEnd())
+        return;
+    if (QWidget *w = (*it)(*this))
+        w->setProperty("Tag", lettera);
+}
+
+void frmMain::servizio(int indice)
+{
+    switch (indice) {
+    case 0:
+        safety::CompattazioneServizio(m_prompter);
+        break;
+    case 1: {
+        frmCopia copia(this);
+        copia.mostra(m_prompter);
+        break;
+    }
+    case 2: {
+        frmRipristina ripristino(this, false);
+        ripristino.mostra(m_prompter);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void frmMain::BottoniMain(const QString &chiave)
+{
+    m_toolbar->update();
+    if (chiave == QLatin1String("esci")) {
+        close();
+        return;
+    }
+    const int item = chiave == QLatin1String("clienti") ? 101 : chiave == QLatin1String("park") ? 111
+                   : chiave == QLatin1String("utenti")  ? 131 : 0;
+    if (!item)
+        return;
+    // The entry's number within its menu, counted over the items of the same hundreds.
+    int conta = 0;
+    for (const ElementoAccesso &e : std::as_const(pub().ElencoElementi)) {
+        if (e.Item / 100 != item / 100)
+            continue;
+        if (e.Item == item)
+            break;
+        ++conta;
+    }
+    if (!EAmministratore()) {
+        const ElementoAccesso *diritto = DirittoAlla(conta);
+        if (diritto && !(diritto->Abilitato && diritto->Visibile))
+            return;
+    }
+    CliccaVoce(MenuVoci(item / 100), conta);
+}
+
+void frmMain::PrimaAttivazione()
+{
+    if (m_attivato)
+        return;
+    m_attivato = true;
+    QMenu *lingue = m_menu.value(QStringLiteral("mnuLan"));
+    lingue->clear();
+    for (int i = 0; i < pub().Lingue.size() && i < 20; ++i) {
+        if (pub().Lingue[i].isEmpty())
+            continue;
+        QAction *a = lingue->addAction(pub().Lingue[i]);
+        a->setObjectName(QStringLiteral("mnuLanguage_%1").arg(i));
+        a->setCheckable(true);
+        a->setChecked(i == pub().LinguaCorrente);
+        connect(a, &QAction::triggered, this, [this, i] { scegliLingua(i); });
+    }
+    try {
+        if (pub().AnnoEsercizio.isEmpty()) {
+            pub().AnnoEsercizio = QString::number(QDate::currentDate().year());
+            ScriveImpostazione(QStringLiteral("AnnoEsercizio"), pub().AnnoEsercizio);
+        }
+    } catch (const store::DbError &e) {
+        MostraErrore(m_prompter, e.message());
+    }
+    if (QString::number(QDate::currentDate().year()) != pub().AnnoEsercizio)
+        m_prompter.information(TestoLingua("M0103"));
+}
+
+void frmMain::scegliLingua(int indice)
+{
+    pub().LinguaCorrente = indice;
+    SalvaLingua();
+    CaricaLinguaCorrente();
+    m_prompter.information(TestoLingua("M0129"));
+    QApplication::exit(0);
+}
+
+void frmMain::login()
+{
+    frmLogin nuovo(m_prompter, frmLogin::Modo::Accesso, this);
+    if (!nuovo.prepara() || nuovo.exec() != QDialog::Accepted || !nuovo.LoginSucceeded()) {
+        QApplication::exit(0);
+        return;
+    }
+    ApplicaSessione();
+}
+
+void frmMain::calcolatrice()
+{
+    for (const char *nome : {"gnome-calculator", "kcalc", "galculator", "mate-calc", "qalculate-gtk", "xcalc"}) {
+        const QString programma = QStandardPaths::findExecutable(QString::fromLatin1(nome));
+        if (!programma.isEmpty() && QProcess::startDetached(programma, {}))
+            return;
+    }
+    MostraErrore(m_prompter, QStringLiteral("No calculator program was found (gnome-calculator, kcalc, galculator, xcalc)."));
+}
+
 void frmMain::closeEvent(QCloseEvent *event)
 {
     if (!isMinimized()) {
-        salva(QStringLiteral("MainLeft"), x());
-        salva(QStringLiteral("MainTop"), y());
-        salva(QStringLiteral("MainWidth"), width());
-        salva(QStringLiteral("MainHeight"), height());
+        salva(QStringLiteral("MainLeft"), QString::number(x()));
+        salva(QStringLiteral("MainTop"), QString::number(y()));
+        salva(QStringLiteral("MainWidth"), QString::number(width()));
+        salva(QStringLiteral("MainHeight"), QString::number(height()));
     }
-    SettingsStore::save(QLatin1String(SettingsStore::Section), QStringLiteral("InsertPremuto"),
-                        pub().InsertPremuto ? QStringLiteral("S") : QStringLiteral("N"));
+    salva(QStringLiteral("BarraStumenti"), m_azioni.value(QStringLiteral("BarraStrumenti"))->isChecked() ? QStringLiteral("S") : QStringLiteral("N"));
+    salva(QStringLiteral("InsertPremuto"), pub().InsertPremuto ? QStringLiteral("S") : QStringLiteral("N"));
     event->accept();
 }
 

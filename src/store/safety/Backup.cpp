@@ -1,0 +1,643 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Backup.h"
+
+#include <Connections.h>
+#include <Database.h>
+#include <DbError.h>
+#include <FieldKind.h>
+#include <Language.h>
+#include <Prompter.h>
+#include <PublicState.h>
+#include <Routines.h>
+#include <SettingsStore.h>
+#include <Sqlite.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace safety {
+
+namespace {
+
+// Large chunks keep the system calls few and the compressor busy; two of them
+// are all the memory the file work needs, whatever the size of the database.
+constexpr size_t Chunk = size_t(1) << 20;
+// Dirty data handed to the disk in slices of this size while writing, so that
+// the final flush before the rename waits for little.
+constexpr qint64 WritebackSlice = qint64(16) << 20;
+
+QString systemError(int err)
+{
+    return QString::fromLocal8Bit(std::strerror(err));
+}
+
+QByteArray nativePath(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
+// Closes a descriptor on every path out.
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    ~Descriptor()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    int get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+int openForReading(const QString &path, qint64 *size)
+{
+    const int fd = ::open(nativePath(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        throw BackupError(BackupError::Kind::Access, QStringLiteral("Cannot open %1: %2.").arg(path, systemError(errno)));
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        ::close(fd);
+        throw BackupError(BackupError::Kind::Access, QStringLiteral("%1 is not a file that can be read.").arg(path));
+    }
+    *size = st.st_size;
+    ::posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
+    return fd;
+}
+
+// Fills `buffer` as far as the file allows: short reads only at its end.
+size_t readChunk(int fd, unsigned char *buffer, size_t size, const QString &path)
+{
+    size_t got = 0;
+    while (got < size) {
+        const ssize_t n = ::read(fd, buffer + got, size - got);
+        if (n == 0)
+            break;
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            throw BackupError(BackupError::Kind::Io, QStringLiteral("Cannot read %1: %2.").arg(path, systemError(errno)));
+        }
+        got += size_t(n);
+    }
+    return got;
+}
+
+void report(const Progress &progress, qint64 done, qint64 total)
+{
+    if (progress && !progress(std::min(done, total), total))
+        throw BackupError(BackupError::Kind::Cancelled, QStringLiteral("Stopped by the user."));
+}
+
+// The zlib stream state, released on every path out.
+struct Deflater {
+    z_stream zs{};
+    bool ready = false;
+    ~Deflater()
+    {
+        if (ready)
+            deflateEnd(&zs);
+    }
+};
+struct Inflater {
+    z_stream zs{};
+    bool ready = false;
+    ~Inflater()
+    {
+        if (ready)
+            inflateEnd(&zs);
+    }
+};
+
+QString databaseKey()
+{
+    const QString key = store::keyFromConnect(frame::pub().CodaConnessione);
+    return key.isEmpty() ? QString::fromLatin1(store::DatabaseKey) : key;
+}
+
+store::Database &catalogue()
+{
+    return store::Connections::get(frame::pub().PercorsoElencoBackup, databaseKey());
+}
+
+QString damaged(const QString &path, const QString &why)
+{
+    return QStringLiteral("%1 is not a complete backup of the database (%2). The database in use has not been changed.")
+        .arg(path, why);
+}
+
+// The file of a catalogue row goes only when no other row still names it:
+// two backups made within one second share one file.
+bool fileStillListed(store::Database &cat, const QString &percorso, const QString &nomeFile)
+{
+    return cat.scalar(QStringLiteral("select count(*) from backup where Percorso = ? and NomeFile = ?"),
+                      {percorso, nomeFile})
+               .toLongLong() > 0;
+}
+
+struct Listed {
+    QString percorso;
+    QString nomeFile;
+};
+
+// Deletes the rows beyond the newest `keep`, inside the caller's transaction.
+QVector<Listed> dropOldestRows(store::Database &cat, int keep)
+{
+    QVector<qint64> ids;
+    QVector<Listed> files;
+    {
+        store::Statement st = cat.prepare(
+            QStringLiteral("select id, Percorso, NomeFile from backup  order by data DESC, id DESC"));
+        for (int position = 0; st.step(); ++position) {
+            if (position < keep)
+                continue;
+            ids << st.value(0).toLongLong();
+            files << Listed{st.value(1).toString(), st.value(2).toString()};
+        }
+    }
+    for (qint64 id : ids)
+        cat.execute(QStringLiteral("delete from backup where id = ?"), {id});
+    return files;
+}
+
+} // namespace
+
+// ---- PendingFile
+
+PendingFile::PendingFile(const QString &finalPath) : m_final(finalPath)
+{
+    const QFileInfo info(finalPath);
+    const QString folder = info.absolutePath();
+    // A hidden name, so that a listing of the folder never offers a half-written file.
+    for (int attempt = 0; attempt < 100 && m_fd < 0; ++attempt) {
+        m_temporary = QDir(folder).filePath(QStringLiteral(".%1.%2.tmp")
+                                                .arg(info.fileName())
+                                                .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0')));
+        m_fd = ::open(nativePath(m_temporary).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_fd < 0 && errno != EEXIST)
+            throw BackupError(BackupError::Kind::Access,
+                              QStringLiteral("Cannot create a file in %1: %2.").arg(folder, systemError(errno)));
+    }
+    if (m_fd < 0)
+        throw BackupError(BackupError::Kind::Access, QStringLiteral("Cannot create a file in %1.").arg(folder));
+    // The replacement keeps the permissions of the file it replaces.
+    struct stat st {};
+    if (::stat(nativePath(finalPath).constData(), &st) == 0 && S_ISREG(st.st_mode))
+        ::fchmod(m_fd, st.st_mode & 07777);
+}
+
+PendingFile::~PendingFile()
+{
+    if (m_fd >= 0)
+        ::close(m_fd);
+    if (!m_committed)
+        ::unlink(nativePath(m_temporary).constData());
+}
+
+void PendingFile::write(const char *data, size_t size)
+{
+    if (m_fd < 0)
+        throw BackupError(BackupError::Kind::Io, QStringLiteral("%1 is already closed.").arg(m_final));
+    while (size > 0) {
+        const ssize_t n = ::write(m_fd, data, size);
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            throw BackupError(BackupError::Kind::Io, QStringLiteral("Cannot write %1: %2.").arg(m_final, systemError(errno)));
+        }
+        data += n;
+        size -= size_t(n);
+        m_written += n;
+    }
+    if (m_written - m_flushed >= WritebackSlice) {
+        // Start the disk on this slice now and wait for the one before, so that
+        // writing overlaps the compression and dirty memory stays bounded.
+        ::sync_file_range(m_fd, m_flushed, m_written - m_flushed, SYNC_FILE_RANGE_WRITE);
+        if (m_flushed > 0)
+            ::sync_file_range(m_fd, 0, m_flushed,
+                              SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
+        m_flushed = m_written;
+    }
+}
+
+void PendingFile::finish()
+{
+    if (m_fd < 0)
+        return;
+    const int fd = m_fd;
+    m_fd = -1;
+    const bool synced = ::fdatasync(fd) == 0;
+    const int syncError = errno;
+    const bool closed = ::close(fd) == 0;
+    if (!synced || !closed)
+        throw BackupError(BackupError::Kind::Io,
+                          QStringLiteral("Cannot write %1: %2.").arg(m_final, systemError(synced ? errno : syncError)));
+}
+
+void PendingFile::commit()
+{
+    finish();
+    if (::rename(nativePath(m_temporary).constData(), nativePath(m_final).constData()) != 0)
+        throw BackupError(BackupError::Kind::Access,
+                          QStringLiteral("Cannot write %1: %2.").arg(m_final, systemError(errno)));
+    m_committed = true;
+    // The new name must reach the disk too, or a crash could bring the old file back.
+    const Descriptor folder(::open(nativePath(QFileInfo(m_final).absolutePath()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.get() >= 0)
+        ::fsync(folder.get());
+}
+
+// ---- The compressor
+
+QString backupFileName(const QDateTime &moment)
+{
+    return QStringLiteral("DB") + moment.toString(QStringLiteral("yyyy_MM_dd__HH_mm_ss")) + QStringLiteral(".zl");
+}
+
+void compressTo(const QString &input, PendingFile &output, int level, const Progress &progress)
+{
+    qint64 total = 0;
+    const Descriptor in(openForReading(input, &total));
+    Deflater d;
+    // memLevel 9 gives the match finder a larger hash table: faster at level 9 on data that does not repeat.
+    if (deflateInit2(&d.zs, std::clamp(level, 0, 9), Z_DEFLATED, 15, 9, Z_DEFAULT_STRATEGY) != Z_OK)
+        throw BackupError(BackupError::Kind::Io, QStringLiteral("The compressor cannot start: not enough memory."));
+    d.ready = true;
+    const auto inBuf = std::make_unique<unsigned char[]>(Chunk);
+    const auto outBuf = std::make_unique<unsigned char[]>(Chunk);
+    qint64 done = 0;
+    report(progress, 0, total);
+    for (;;) {
+        const size_t n = readChunk(in.get(), inBuf.get(), Chunk, input);
+        const int flush = n < Chunk ? Z_FINISH : Z_NO_FLUSH;
+        d.zs.next_in = inBuf.get();
+        d.zs.avail_in = uInt(n);
+        int rc;
+        do {
+            d.zs.next_out = outBuf.get();
+            d.zs.avail_out = uInt(Chunk);
+            rc = deflate(&d.zs, flush);
+            if (rc == Z_STREAM_ERROR)
+                throw BackupError(BackupError::Kind::Io, QStringLiteral("The compressor failed on %1.").arg(input));
+            output.write(reinterpret_cast<const char *>(outBuf.get()), Chunk - d.zs.avail_out);
+        } while (d.zs.avail_out == 0);
+        done += qint64(n);
+        report(progress, done, std::max(total, done));
+        if (flush == Z_FINISH) {
+            if (rc != Z_STREAM_END)
+                throw BackupError(BackupError::Kind::Io, QStringLiteral("The compressor did not end %1.").arg(input));
+            return;
+        }
+    }
+}
+
+void expandTo(const QString &input, PendingFile &output, const Progress &progress)
+{
+    qint64 total = 0;
+    const Descriptor in(openForReading(input, &total));
+    if (total == 0)
+        throw BackupError(BackupError::Kind::Content, damaged(input, QStringLiteral("the file is empty")));
+    Inflater f;
+    // Window bits 15: a zlib stream only; a gzip or raw file is not a backup.
+    if (inflateInit2(&f.zs, 15) != Z_OK)
+        throw BackupError(BackupError::Kind::Io, QStringLiteral("The expander cannot start: not enough memory."));
+    f.ready = true;
+    const auto inBuf = std::make_unique<unsigned char[]>(Chunk);
+    const auto outBuf = std::make_unique<unsigned char[]>(Chunk);
+    qint64 done = 0;
+    bool ended = false;
+    report(progress, 0, total);
+    while (!ended) {
+        const size_t n = readChunk(in.get(), inBuf.get(), Chunk, input);
+        if (n == 0)
+            throw BackupError(BackupError::Kind::Content, damaged(input, QStringLiteral("the file is cut short")));
+        done += qint64(n);
+        f.zs.next_in = inBuf.get();
+        f.zs.avail_in = uInt(n);
+        // Drain the output while it fills the buffer: the stream may end on a call that consumed no input.
+        do {
+            f.zs.next_out = outBuf.get();
+            f.zs.avail_out = uInt(Chunk);
+            const int rc = inflate(&f.zs, Z_NO_FLUSH);
+            if (rc == Z_MEM_ERROR)
+                throw BackupError(BackupError::Kind::Io, QStringLiteral("The expander ran out of memory."));
+            if (rc == Z_NEED_DICT || rc == Z_DATA_ERROR || rc == Z_STREAM_ERROR)
+                throw BackupError(BackupError::Kind::Content,
+                                  damaged(input, QStringLiteral("the compressed data are damaged: %1")
+                                                     .arg(QString::fromLatin1(f.zs.msg ? f.zs.msg : "no detail"))));
+            output.write(reinterpret_cast<const char *>(outBuf.get()), Chunk - f.zs.avail_out);
+            if (rc == Z_STREAM_END) {
+                ended = true;
+                break;
+            }
+        } while (f.zs.avail_out == 0);
+        report(progress, done, total);
+    }
+    if (f.zs.avail_in > 0 || readChunk(in.get(), inBuf.get(), 1, input) > 0)
+        throw BackupError(BackupError::Kind::Content, damaged(input, QStringLiteral("other bytes follow the compressed data")));
+}
+
+void compressFile(const QString &input, const QString &output, int level, const Progress &progress)
+{
+    PendingFile file(output);
+    compressTo(input, file, level, progress);
+    file.commit();
+}
+
+void expandFile(const QString &input, const QString &output, const Progress &progress)
+{
+    PendingFile file(output);
+    expandTo(input, file, progress);
+    file.commit();
+}
+
+namespace {
+
+struct CheckWatch {
+    const Progress *progress;
+    bool cancelled = false;
+};
+
+// Runs now and then during the engine's check, so that the window can repaint or stop it.
+int onCheckStep(void *context)
+{
+    auto *watch = static_cast<CheckWatch *>(context);
+    if (*watch->progress && !(*watch->progress)(0, 0)) {
+        watch->cancelled = true;
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
+void verifyWorkingDatabase(const QString &path, const Progress &progress, const QString &shownAs)
+{
+    const QString name = shownAs.isEmpty() ? path : shownAs;
+    CheckWatch watch{&progress};
+    try {
+        store::Database db(path, databaseKey());
+        sqlite3_progress_handler(db.handle(), 20000, onCheckStep, &watch);
+        const QString verdict = db.scalar(QStringLiteral("PRAGMA quick_check")).toString();
+        if (verdict != QLatin1String("ok"))
+            throw BackupError(BackupError::Kind::Content,
+                              damaged(name, QStringLiteral("the database inside fails its check: %1").arg(verdict)));
+        const qint64 tables = db.scalar(QStringLiteral("select count(*) from sqlite_master where type = 'table' "
+                                                       "and lower(name) = 'impostazioni'"))
+                                  .toLongLong();
+        sqlite3_progress_handler(db.handle(), 0, nullptr, nullptr);
+        if (tables == 0)
+            throw BackupError(BackupError::Kind::Content,
+                              damaged(name, QStringLiteral("the database inside is not a working database")));
+        report(progress, 1, 1);
+    } catch (const store::DbError &e) {
+        if (watch.cancelled)
+            throw BackupError(BackupError::Kind::Cancelled, QStringLiteral("Stopped by the user."));
+        // The engine's text names the scratch file, which means nothing to the user.
+        throw BackupError(BackupError::Kind::Content,
+                          damaged(name, e.code() == SQLITE_NOTADB
+                                            ? QStringLiteral("it holds no database of this program")
+                                            : QStringLiteral("the database inside cannot be read, code %1").arg(e.code())));
+    }
+}
+
+// ---- The catalogue and the settings
+
+bool catalogueExists()
+{
+    const QString path = frame::pub().PercorsoElencoBackup;
+    return !path.isEmpty() && QFileInfo(path).isFile();
+}
+
+QVector<CatalogueEntry> readCatalogue()
+{
+    QVector<CatalogueEntry> rows;
+    // The id breaks ties of one second, so that "newest first" holds for them too.
+    store::Statement st = catalogue().prepare(QStringLiteral(
+        "select id, Data, Utilizzatore, Percorso, NomeFile, Note from backup  order by data DESC, id DESC"));
+    while (st.step()) {
+        CatalogueEntry e;
+        e.id = st.value(0).toLongLong();
+        e.data = store::fromStorage(store::FieldKind::Date, st.value(1)).toDateTime();
+        e.utilizzatore = st.value(2).toString();
+        e.percorso = st.value(3).toString();
+        e.nomeFile = st.value(4).toString();
+        e.note = st.value(5).toString();
+        rows << e;
+    }
+    return rows;
+}
+
+BackupSettings readBackupSettings()
+{
+    using frame::SettingsStore::get;
+    const QString section = QString::fromLatin1(frame::SettingsStore::Section);
+    BackupSettings s;
+    s.folder = get(section, QStringLiteral("PathBackup"), frame::pub().CartellaProgramma);
+    s.autoDelete = get(section, QStringLiteral("AutoBackup"), QStringLiteral("S")) == QLatin1String("S");
+    s.keep = keepCount(get(section, QStringLiteral("AutoBackupCont"), QStringLiteral("6")));
+    return s;
+}
+
+void saveBackupSettings(const BackupSettings &settings)
+{
+    using frame::SettingsStore::save;
+    const QString section = QString::fromLatin1(frame::SettingsStore::Section);
+    save(section, QStringLiteral("PathBackup"), settings.folder);
+    save(section, QStringLiteral("AutoBackup"), settings.autoDelete ? QStringLiteral("S") : QStringLiteral("N"));
+    save(section, QStringLiteral("AutoBackupCont"), QString::number(keepCount(QString::number(settings.keep))));
+}
+
+int keepCount(const QString &text)
+{
+    const QString t = text.trimmed();
+    qsizetype i = 0;
+    const bool negative = i < t.size() && t.at(i) == QLatin1Char('-');
+    if (i < t.size() && (t.at(i) == QLatin1Char('-') || t.at(i) == QLatin1Char('+')))
+        ++i;
+    qint64 value = 0;
+    for (; i < t.size() && t.at(i).isDigit() && t.at(i).unicode() < 128; ++i)
+        value = std::min<qint64>(value * 10 + t.at(i).digitValue(), 999999);
+    return negative || value < 1 ? 1 : int(value);
+}
+
+QString formatDate(const QDateTime &moment, bool withTime)
+{
+    if (!moment.isValid())
+        return QString();
+    // FormatoData writes the month as "mm", which is the minute for Qt.
+    QString format = frame::pub().FormatoData;
+    format.replace(QLatin1String("mm"), QLatin1String("MM"));
+    if (withTime)
+        format += QStringLiteral(" HH:mm:ss");
+    return moment.toString(format);
+}
+
+QString proposedNote(const QDate &today)
+{
+    return frame::GiornoSettimana(today) + QLatin1Char(' ') + formatDate(today.startOfDay(), false);
+}
+
+// ---- What the windows do
+
+bool confirmBackupWindow(frame::Prompter &prompter)
+{
+    using frame::TestoLingua;
+    const QString text = TestoLingua("M0118") + QLatin1Char('\n') + TestoLingua("M0119") + QLatin1Char('\n') +
+                         TestoLingua("M0120");
+    return prompter.confirm(text);
+}
+
+bool confirmRestoreWindow(frame::Prompter &prompter)
+{
+    using frame::TestoLingua;
+    const QString gap = QStringLiteral("\n\n");
+    const QString text = TestoLingua("M0031") + gap + TestoLingua("M0032") + gap + TestoLingua("M0033") + gap +
+                         TestoLingua("M0029");
+    return prompter.confirm(text);
+}
+
+std::optional<QString> makeBackup(const BackupRequest &request, frame::Prompter &prompter, const Progress &progress,
+                                  const std::function<void()> &listChanged)
+{
+    using frame::TestoLingua;
+    QString folder = request.folder.trimmed();
+    QString probe = folder;
+    if (folder.isEmpty() || !frame::EsisteFile(probe, true) || !QFileInfo(probe).isWritable()) {
+        prompter.stop(TestoLingua("M0117"));
+        return std::nullopt;
+    }
+    frame::AggiungeBarra(folder);
+    try {
+        const QDateTime now = QDateTime::currentDateTime();
+        const QDateTime moment(now.date(), QTime(now.time().hour(), now.time().minute(), now.time().second()));
+        const QString name = backupFileName(moment);
+        const QString output = folder + name;
+        // The catalogue is opened first: no backup file is written that could not be listed.
+        store::Database &cat = catalogue();
+        std::optional<PendingFile> file;
+        try {
+            file.emplace(output);
+        } catch (const BackupError &) {
+            // The folder exists but takes no file: for the user it is a destination that does not work.
+            prompter.stop(TestoLingua("M0117"));
+            return std::nullopt;
+        }
+        // The copy is made of the closed file.
+        store::Connections::close(frame::pub().Pathdata);
+        compressTo(frame::pub().Pathdata, *file, request.compressed ? 9 : 0, progress);
+        file->finish();
+
+        // The new row, the deletion of the oldest rows and the new file's name: all or nothing.
+        QVector<Listed> dropped;
+        {
+            store::Transaction t(cat);
+            cat.execute(QStringLiteral("insert into backup (Data, Utilizzatore, Percorso, NomeFile, Note) values (?, ?, ?, ?, ?)"),
+                        {moment, frame::pub().UtenteCorrente, folder, name, request.note});
+            if (request.autoDelete)
+                dropped = dropOldestRows(cat, std::max(1, request.keep));
+            file->commit();
+            try {
+                t.commit();
+            } catch (...) {
+                QFile::remove(output);
+                throw;
+            }
+        }
+        // The files of the deleted rows go silently; one that resists stays on the disk.
+        for (const Listed &old : dropped)
+            if (!fileStillListed(cat, old.percorso, old.nomeFile))
+                QFile::remove(old.percorso + old.nomeFile);
+        if (listChanged)
+            listChanged();
+        prompter.information(TestoLingua("M0116"));
+        return output;
+    } catch (const BackupError &e) {
+        if (e.kind() != BackupError::Kind::Cancelled)
+            frame::MostraErrore(prompter, e.message());
+    } catch (const store::DbError &e) {
+        frame::MostraErrore(prompter, e.message());
+    }
+    return std::nullopt;
+}
+
+bool deleteBackup(const CatalogueEntry &entry, frame::Prompter &prompter, bool silent)
+{
+    if (!silent && !prompter.confirm(frame::TestoLingua("M0115")))
+        return false;
+    try {
+        store::Database &cat = catalogue();
+        const bool shared = cat.scalar(QStringLiteral("select count(*) from backup where Percorso = ? and NomeFile = ? "
+                                                      "and id <> ?"),
+                                       {entry.percorso, entry.nomeFile, entry.id})
+                                .toLongLong() > 0;
+        // The file goes first: when it resists, the row stays and tells the user it is still there.
+        QFile file(entry.filePath());
+        if (!shared && QFileInfo(entry.filePath()).isFile() && !file.remove())
+            throw BackupError(BackupError::Kind::Access,
+                              QStringLiteral("Cannot delete %1: %2.").arg(entry.filePath(), file.errorString()));
+        cat.execute(QStringLiteral("delete from backup where id = ?"), {entry.id});
+        return true;
+    } catch (const BackupError &e) {
+        frame::MostraErrore(prompter, e.message());
+    } catch (const store::DbError &e) {
+        frame::MostraErrore(prompter, e.message());
+    }
+    return false;
+}
+
+bool restoreBackup(const CatalogueEntry &entry, frame::Prompter &prompter, const Progress &progress)
+{
+    using frame::TestoLingua;
+    const QString source = entry.filePath();
+    if (entry.nomeFile.isEmpty() || !QFileInfo(source).isFile()) {
+        prompter.stop(TestoLingua("M0028"));
+        return false;
+    }
+    const QString gap = QStringLiteral("\n\n");
+    if (!prompter.confirm(TestoLingua("M0024") + gap + TestoLingua("M0025") + QLatin1Char(' ') +
+                          formatDate(entry.data, true) + gap + TestoLingua("M0026") + QLatin1Char('.')))
+        return false;
+    const QString working = frame::pub().Pathdata;
+    try {
+        // Expanded beside the working file and checked there: a bad backup never costs the working database.
+        PendingFile scratch(working);
+        expandTo(source, scratch, progress);
+        scratch.finish();
+        verifyWorkingDatabase(scratch.temporaryPath(), progress, source);
+        store::Connections::close(working);
+        scratch.commit();
+        prompter.information(TestoLingua("M0027"));
+        return true;
+    } catch (const BackupError &e) {
+        switch (e.kind()) {
+        case BackupError::Kind::Cancelled:
+            break;
+        case BackupError::Kind::Access:
+            prompter.stop(TestoLingua("M0029"));
+            break;
+        default:
+            frame::MostraErrore(prompter, e.message());
+        }
+    } catch (const store::DbError &e) {
+        frame::MostraErrore(prompter, e.message());
+    }
+    return false;
+}
+
+} // namespace safety

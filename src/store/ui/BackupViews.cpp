@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "BackupViews.h"
+
+#include <DbError.h>
+#include <Language.h>
+#include <Prompter.h>
+#include <Routines.h>
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QProgressDialog>
+#include <QTableView>
+
+namespace {
+
+enum Column { ColData, ColUtilizzatore, ColNote, ColPercorso, ColNomeFile, ColumnCount };
+
+// Steps of the progress bar: byte counts of a large file do not fit its int range.
+constexpr int ProgressSteps = 1000;
+
+} // namespace
+
+void BackupCatalogueModel::reload()
+{
+    QVector<safety::CatalogueEntry> rows = safety::readCatalogue();
+    beginResetModel();
+    m_rows = std::move(rows);
+    endResetModel();
+}
+
+int BackupCatalogueModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int BackupCatalogueModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant BackupCatalogueModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_rows.size() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        return QVariant();
+    const safety::CatalogueEntry &e = m_rows.at(index.row());
+    switch (index.column()) {
+    case ColData: return safety::formatDate(e.data, true);
+    case ColUtilizzatore: return e.utilizzatore;
+    case ColNote: return e.note;
+    case ColPercorso: return e.percorso;
+    case ColNomeFile: return e.nomeFile;
+    default: return QVariant();
+    }
+}
+
+QVariant BackupCatalogueModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return QAbstractTableModel::headerData(section, orientation, role);
+    // The user and note columns are captioned in the user's language; the others keep their field names.
+    switch (section) {
+    case ColData: return QStringLiteral("Data");
+    case ColUtilizzatore: return frame::TestoLingua("M0176");
+    case ColNote: return frame::TestoLingua("M0192");
+    case ColPercorso: return QStringLiteral("Percorso");
+    case ColNomeFile: return QStringLiteral("NomeFile");
+    default: return QVariant();
+    }
+}
+
+CatalogueGrid::CatalogueGrid(QTableView *view) : QObject(view), m_view(view), m_model(new BackupCatalogueModel(view))
+{
+    m_view->setModel(m_model);
+    m_view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_view->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_view->setAlternatingRowColors(true);
+    m_view->setWordWrap(false);
+    m_view->verticalHeader()->hide();
+    m_view->verticalHeader()->setDefaultSectionSize(m_view->fontMetrics().height() + 6);
+    m_view->horizontalHeader()->setStretchLastSection(true);
+    m_view->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+}
+
+bool CatalogueGrid::open(frame::Prompter &prompter)
+{
+    if (!safety::catalogueExists())
+        return false;
+    try {
+        reload();
+    } catch (const store::DbError &e) {
+        frame::MostraErrore(prompter, e.message());
+        return false;
+    }
+    return true;
+}
+
+void CatalogueGrid::reload()
+{
+    m_model->reload();
+    m_view->resizeColumnsToContents();
+    if (m_model->rowCount() > 0)
+        m_view->selectRow(0);
+}
+
+std::optional<safety::CatalogueEntry> CatalogueGrid::current() const
+{
+    const QModelIndex index = m_view->currentIndex();
+    if (!index.isValid() || !m_view->selectionModel()->isRowSelected(index.row(), QModelIndex()))
+        return std::nullopt;
+    return m_model->entry(index.row());
+}
+
+WorkProgress::WorkProgress(QWidget *parent, const QString &label)
+    : m_dialog(std::make_unique<QProgressDialog>(label, QString(), 0, ProgressSteps, parent))
+{
+    m_dialog->setCancelButtonText(QProgressDialog::tr("Cancel"));
+    m_dialog->setWindowModality(Qt::WindowModal);
+    m_dialog->setMinimumDuration(400);
+    m_dialog->setMinimumWidth(360);
+    m_dialog->setValue(0);
+    m_tick.start();
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+WorkProgress::~WorkProgress()
+{
+    QApplication::restoreOverrideCursor();
+    m_dialog->close();
+}
+
+safety::Progress WorkProgress::callback()
+{
+    return [this](qint64 done, qint64 total) {
+        if (total > 0) {
+            if (m_dialog->maximum() == 0)
+                m_dialog->setRange(0, ProgressSteps);
+            m_dialog->setValue(int(done * ProgressSteps / total));
+        } else if (m_dialog->maximum() != 0) {
+            // Work of unknown length (the check of a restored copy): a moving bar.
+            m_dialog->setRange(0, 0);
+            m_dialog->show();
+        }
+        // Keeps the window painted and the box's button alive without spending the work's time on it.
+        if (m_tick.elapsed() >= 40) {
+            QCoreApplication::processEvents();
+            m_tick.restart();
+        }
+        return !m_dialog->wasCanceled();
+    };
+}
