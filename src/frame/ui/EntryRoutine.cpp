@@ -16,10 +16,11 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QStandardPaths>
+#include <QTimer>
 
 namespace frame {
 
-int EntryRoutine(int argc, char **argv)
+int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &loginMostrato)
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(TitoloApplicazione));
@@ -56,6 +57,8 @@ int EntryRoutine(int argc, char **argv)
 
     {
         frmLogin login(prompter, frmLogin::Modo::Accesso, &main);
+        if (loginMostrato)
+            QTimer::singleShot(0, &login, [&] { loginMostrato(login); });
         if (!login.prepara() || login.exec() != QDialog::Accepted || !login.LoginSucceeded())
             return 0;
     }
