@@ -162,8 +162,7 @@ bool compattaFile(const Percorsi &p, const QString &chiave)
             esporta(sorgente, p.copia, chiave, attesa.versione);
         }
         verifica(p.copia, chiave, attesa);
-    } catch (const std::exception &e) {
-        fprintf(stderr, "DEBUG %s\n", e.what());
+    } catch (const std::exception &) {
         togliAppoggio(p.copia);
         return false;
     }
@@ -230,7 +229,7 @@ private:
                 scrivi(st);
                 ultimo = st.value(0).toLongLong();
             }
-        } catch (const store::DbError &e) {
+        } catch (const store::DbError &) {
             if (m_scrivendo)
                 throw;
             return false;
@@ -393,7 +392,9 @@ void compatta_locadati()
     // Past ten as well: a counter raised by hand must not put the compaction off for good.
     if (contatore >= 10) {
         frame::MostraStato(frame::TestoLingua("M0020"));
-        const bool riuscita = CompattaMdb(pub.CartellaProgramma, QStringLiteral("locadati.mdb"), QString());
+        // The file tested above is the file compacted: the program folder's locadati.mdb.
+        const QFileInfo locadati(pub.PercorsoLocadati);
+        const bool riuscita = CompattaMdb(locadati.absolutePath(), locadati.fileName(), QString());
         frame::MostraStato(frame::TestoLingua(riuscita ? "M0021" : "M0022"));
         contatore = 0;
     }
