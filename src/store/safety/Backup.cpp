@@ -460,7 +460,7 @@ void saveBackupSettings(const BackupSettings &settings)
     const QString section = QString::fromLatin1(frame::SettingsStore::Section);
     save(section, QStringLiteral("PathBackup"), settings.folder);
     save(section, QStringLiteral("AutoBackup"), settings.autoDelete ? QStringLiteral("S") : QStringLiteral("N"));
-    save(section, QStringLiteral("AutoBackupCont"), QString::number(keepCount(QString::number(settings.keep))));
+    save(section, QStringLiteral("AutoBackupCont"), QString::number(std::max(1, settings.keep)));
 }
 
 int keepCount(const QString &text)

@@ -17,6 +17,8 @@ enum Column { ColData, ColUtilizzatore, ColNote, ColPercorso, ColNomeFile, Colum
 
 // Steps of the progress bar: byte counts of a large file do not fit its int range.
 constexpr int ProgressSteps = 1000;
+// Short work shows no box at all.
+constexpr int ShowAfterMs = 400;
 
 } // namespace
 
@@ -116,10 +118,11 @@ WorkProgress::WorkProgress(QWidget *parent, const QString &label)
 {
     m_dialog->setCancelButtonText(QProgressDialog::tr("Cancel"));
     m_dialog->setWindowModality(Qt::WindowModal);
-    m_dialog->setMinimumDuration(400);
+    m_dialog->setMinimumDuration(ShowAfterMs);
     m_dialog->setMinimumWidth(360);
     m_dialog->setValue(0);
     m_tick.start();
+    m_started.start();
     QApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
@@ -135,14 +138,16 @@ safety::Progress WorkProgress::callback()
         if (total > 0) {
             if (m_dialog->maximum() == 0)
                 m_dialog->setRange(0, ProgressSteps);
+            // Shows the box once the work has lasted a while; from then on it is modal and repaints the window.
             m_dialog->setValue(int(done * ProgressSteps / total));
-        } else if (m_dialog->maximum() != 0) {
+        } else if (m_dialog->maximum() != 0 && m_started.elapsed() >= ShowAfterMs) {
             // Work of unknown length (the check of a restored copy): a moving bar.
             m_dialog->setRange(0, 0);
             m_dialog->show();
         }
-        // Keeps the window painted and the box's button alive without spending the work's time on it.
-        if (m_tick.elapsed() >= 40) {
+        // Events are let in only while the modal box stands: before that a click
+        // could reach the window and start a second piece of work inside this one.
+        if (m_dialog->isVisible() && m_tick.elapsed() >= 40) {
             QCoreApplication::processEvents();
             m_tick.restart();
         }

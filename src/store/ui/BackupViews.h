@@ -65,5 +65,6 @@ public:
 
 private:
     std::unique_ptr<QProgressDialog> m_dialog;
+    QElapsedTimer m_started;
     QElapsedTimer m_tick;
 };
