@@ -3,6 +3,7 @@
 // database of about 200 MB (written first into FOLDER when missing), through
 // the same routines as the windows, side by side with gzip on the same file.
 // Throughput is the database size over the time taken, in MB/s (10^6 bytes).
+#include "AlwaysOk.h"
 #include "Generator.h"
 
 #include <Backup.h>
@@ -28,14 +29,6 @@ namespace {
 constexpr int Movements = 1'070'000; // about 200 MB of working database
 constexpr int Runs = 2;              // the best of these counts, so that a stray hiccup does not
 
-// Answers every question with OK and keeps what it was told.
-class AlwaysOk final : public frame::Prompter {
-public:
-    void message(const QString &text, Icon, const QString &) override { shown << text; }
-    Answer question(const QString &, Buttons, Answer, const QString &) override { return Answer::Ok; }
-    std::optional<QString> input(const QString &, const QString &, const QString &initial) override { return initial; }
-    QStringList shown;
-};
 
 double bestSeconds(const std::function<void()> &work)
 {
@@ -72,7 +65,7 @@ int main(int argc, char **argv)
     QDir().mkpath(folder + QStringLiteral("/copie"));
     const QString db = QDir(folder).filePath(QStringLiteral("basedati.mdb"));
     const QString backups = QDir(folder).filePath(QStringLiteral("copie/"));
-    AlwaysOk prompter;
+    bench::AlwaysOk prompter;
     try {
         if (!QFileInfo::exists(db)) {
             out << "writing " << db << " (" << Movements << " movements)..." << Qt::endl;

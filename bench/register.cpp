@@ -2,6 +2,7 @@
 // bench_register [PATH]: entry and exit through the register logic on a database
 // of a million movements (written first when PATH does not exist), against the
 // floor of one durable single-row insert; the count of vehicles inside; opening.
+#include "AlwaysOk.h"
 #include "Generator.h"
 
 #include <Connections.h>
@@ -24,14 +25,6 @@
 
 namespace {
 
-// Answers every question with OK and counts what it was shown.
-class AlwaysOk final : public frame::Prompter {
-public:
-    void message(const QString &text, Icon, const QString &) override { shown << text; }
-    Answer question(const QString &, Buttons, Answer, const QString &) override { return Answer::Ok; }
-    std::optional<QString> input(const QString &, const QString &, const QString &initial) override { return initial; }
-    QStringList shown;
-};
 
 struct Stats {
     double median, p99;
@@ -90,7 +83,7 @@ int main(int argc, char **argv)
             }));
         db.execute(QStringLiteral("delete from Movimentazioni where Targa = 'FLOOR01'"));
 
-        AlwaysOk prompter;
+        bench::AlwaysOk prompter;
         store::Recordset form(db, QStringLiteral("select * from Q_Movimentazioni_Utenti order by id desc"));
         form.MoveFirst();
         std::vector<double> entries;

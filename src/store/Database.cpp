@@ -18,6 +18,9 @@ Database::Database(const QString &path, const QString &key, Mode mode) : m_path(
     if (rc != SQLITE_OK)
         fail(rc, QStringLiteral("Cannot open %1: ").arg(path));
     if (!key.isEmpty()) {
+        // Pages of 4 KiB: a quarter of the per-page decryption and checks of the engine's 1 KiB default.
+        // Set as the default too, so that databases attached with a key (compaction) share it.
+        sqlite3_exec(m_db, "PRAGMA cipher_default_page_size = 4096", nullptr, nullptr, nullptr);
         const QByteArray k = key.toUtf8();
         if (sqlite3_key(m_db, k.constData(), int(k.size())) != SQLITE_OK)
             fail(SQLITE_ERROR, QStringLiteral("Cannot set the key of %1: ").arg(path));

@@ -164,6 +164,7 @@ private slots:
         QVERIFY(!login.prepara());
         QCOMPARE(m_prompter.questions.size(), 1);
         QVERIFY(m_prompter.questions.first().startsWith(frame::TestoLingua("M0093")));
+        QCOMPARE(m_prompter.questionIcons.first(), frame::Prompter::Icon::Exclamation);
         QCOMPARE(m_prompter.messages.last().text, frame::TestoLingua("M0099"));
     }
 

@@ -32,7 +32,7 @@ const QString Coda = QStringLiteral(";PWD=quartzel");
 class TitlePrompter final : public frame::Prompter {
 public:
     void message(const QString &text, Icon icon, const QString &title) override { shown << Box{text, icon, title}; }
-    Answer question(const QString &, Buttons, Answer d, const QString &) override { return d; }
+    Answer question(const QString &, Buttons, Answer d, const QString &, Icon) override { return d; }
     std::optional<QString> input(const QString &, const QString &, const QString &) override { return std::nullopt; }
     struct Box {
         QString text;

@@ -6,9 +6,11 @@ void ScriptedPrompter::message(const QString &text, Icon icon, const QString &)
     messages << Shown{text, icon};
 }
 
-frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons, Answer defaultAnswer, const QString &)
+frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons, Answer defaultAnswer, const QString &,
+                                                  Icon icon)
 {
     questions << text;
+    questionIcons << icon;
     if (m_answers.isEmpty()) {
         ++unanswered;
         return defaultAnswer;

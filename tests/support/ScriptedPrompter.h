@@ -18,11 +18,13 @@ public:
     void answerInput(const std::optional<QString> &reply) { m_inputs << reply; }
 
     void message(const QString &text, Icon icon, const QString &title = QString()) override;
-    Answer question(const QString &text, Buttons buttons, Answer defaultAnswer, const QString &title = QString()) override;
+    Answer question(const QString &text, Buttons buttons, Answer defaultAnswer, const QString &title = QString(),
+                    Icon icon = Icon::Question) override;
     std::optional<QString> input(const QString &prompt, const QString &title, const QString &initial) override;
 
     QList<Shown> messages;
     QStringList questions;
+    QList<Icon> questionIcons;
     int unanswered = 0; // questions asked beyond the script: answered with the default
 
 private:

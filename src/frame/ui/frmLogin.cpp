@@ -117,7 +117,7 @@ bool frmLogin::recupera()
 {
     const QString domanda = TestoLingua("M0093") + QStringLiteral("\n\n") + TestoLingua("M0094") + QStringLiteral("\n\n")
                             + TestoLingua("M0095") + QStringLiteral(", ") + TestoLingua("M0029");
-    if (!m_prompter.confirm(domanda)) {
+    if (!m_prompter.confirm(domanda, Prompter::Icon::Exclamation)) {
         m_prompter.message(TestoLingua("M0099"), Prompter::Icon::Critical);
         return false;
     }
@@ -125,7 +125,7 @@ bool frmLogin::recupera()
     if (safety::RiparaDatabase(pub().Pathdata, pub().CodaConnessione))
         return true;
     m_prompter.message(TestoLingua("M0096"), Prompter::Icon::Exclamation);
-    if (!m_prompter.confirm(TestoLingua("M0097") + QStringLiteral("\n\n") + TestoLingua("M0098")))
+    if (!m_prompter.confirm(TestoLingua("M0097") + QStringLiteral("\n\n") + TestoLingua("M0098"), Prompter::Icon::Exclamation))
         return false;
     pub().ModoRipristino = true;
     frmRipristina ripristino(parentWidget(), true);

@@ -27,24 +27,29 @@ QMessageBox::StandardButton toButton(Prompter::Answer a)
     return QMessageBox::NoButton;
 }
 
+QMessageBox::Icon toIcon(Prompter::Icon icon)
+{
+    switch (icon) {
+    case Prompter::Icon::Stop:
+    case Prompter::Icon::Critical: return QMessageBox::Critical;
+    case Prompter::Icon::Exclamation: return QMessageBox::Warning;
+    case Prompter::Icon::Question: return QMessageBox::Question;
+    case Prompter::Icon::Information: return QMessageBox::Information;
+    }
+    return QMessageBox::NoIcon;
+}
+
 } // namespace
 
 void MessageBoxPrompter::message(const QString &text, Icon icon, const QString &title)
 {
-    QMessageBox::Icon i = QMessageBox::Information;
-    if (icon == Icon::Stop || icon == Icon::Critical)
-        i = QMessageBox::Critical;
-    else if (icon == Icon::Exclamation)
-        i = QMessageBox::Warning;
-    else if (icon == Icon::Question)
-        i = QMessageBox::Question;
     QApplication::restoreOverrideCursor();
-    QMessageBox box(i, captionOr(title), text, QMessageBox::Ok, m_parent);
+    QMessageBox box(toIcon(icon), captionOr(title), text, QMessageBox::Ok, m_parent);
     box.exec();
 }
 
 Prompter::Answer MessageBoxPrompter::question(const QString &text, Buttons buttons, Answer defaultAnswer,
-                                              const QString &title)
+                                              const QString &title, Icon icon)
 {
     QMessageBox::StandardButtons set = QMessageBox::Ok | QMessageBox::Cancel;
     if (buttons == Buttons::YesNo)
@@ -53,7 +58,8 @@ Prompter::Answer MessageBoxPrompter::question(const QString &text, Buttons butto
         set = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
     else if (buttons == Buttons::Ok)
         set = QMessageBox::Ok;
-    QMessageBox box(QMessageBox::Question, captionOr(title), text, set, m_parent);
+    QApplication::restoreOverrideCursor();
+    QMessageBox box(toIcon(icon), captionOr(title), text, set, m_parent);
     box.setDefaultButton(toButton(defaultAnswer));
     switch (box.exec()) {
     case QMessageBox::Ok: return Answer::Ok;

@@ -81,8 +81,8 @@ void expandTo(const QString &input, PendingFile &output, const Progress &progres
 void compressFile(const QString &input, const QString &output, int level, const Progress &progress = {});
 void expandFile(const QString &input, const QString &output, const Progress &progress = {});
 
-// Throws BackupError(Content) unless `path` opens with the program's key, passes
-// the engine's quick check and holds the settings table of a working database.
+// Throws BackupError(Content) unless `path` opens with the program's key and holds
+// the settings table of a working database.
 // Messages name the file as `shownAs` when given (the backup a scratch copy came from).
 void verifyWorkingDatabase(const QString &path, const Progress &progress = {}, const QString &shownAs = {});
 

@@ -24,10 +24,10 @@ public:
         Pausa p;
         m_inner.message(text, icon, title);
     }
-    Answer question(const QString &text, Buttons buttons, Answer defaultAnswer, const QString &title) override
+    Answer question(const QString &text, Buttons buttons, Answer defaultAnswer, const QString &title, Icon icon) override
     {
         Pausa p;
-        return m_inner.question(text, buttons, defaultAnswer, title);
+        return m_inner.question(text, buttons, defaultAnswer, title, icon);
     }
     std::optional<QString> input(const QString &prompt, const QString &title, const QString &initial) override
     {
