@@ -152,6 +152,18 @@ QVariant TestoONullo(const QVariant &valore)
     return valore.isNull() ? QVariant(QString()) : valore;
 }
 
+QString TestoData(const QDateTime &momento, bool conOra)
+{
+    if (!momento.isValid())
+        return QString();
+    // FormatoData writes the month as "mm", which is the minute for Qt.
+    QString formato = pub().FormatoData;
+    formato.replace(QLatin1String("mm"), QLatin1String("MM"));
+    if (conOra)
+        formato += QStringLiteral(" HH:mm:ss");
+    return momento.toString(formato);
+}
+
 QString CartellaDati(const QString &pathdata)
 {
     return pathdata.size() >= 13 ? pathdata.left(pathdata.size() - 13) : QString();

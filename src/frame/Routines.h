@@ -3,6 +3,7 @@
 #include "Prompter.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QStringList>
 #include <QVariant>
 
@@ -36,6 +37,8 @@ bool ListaContiene(const QString &testo, const QStringList &lista);
 QString GiornoSettimana(const QDate &data);
 QVariant NumeroONullo(const QVariant &valore);
 QVariant TestoONullo(const QVariant &valore);
+// A date as the program shows dates (FormatoData), with the time when `conOra`; "" for no date.
+QString TestoData(const QDateTime &momento, bool conOra = false);
 // The folder of `Pathdata`: the path less the 13 characters of "/basedati.mdb".
 QString CartellaDati(const QString &pathdata);
 

@@ -50,12 +50,14 @@ bool Connections::isOpen(const QString &path)
 
 QString keyFromConnect(const QString &connect)
 {
+    // The report paths write ";pwd=" before the whole tail (";pwd=;PWD=quartzel"): the last value that is not empty counts.
+    QString key;
     for (const QString &part : connect.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const qsizetype eq = part.indexOf(QLatin1Char('='));
-        if (eq > 0 && part.left(eq).trimmed().compare(QLatin1String("PWD"), Qt::CaseInsensitive) == 0)
-            return part.mid(eq + 1);
+        if (eq > 0 && part.left(eq).trimmed().compare(QLatin1String("PWD"), Qt::CaseInsensitive) == 0 && eq + 1 < part.size())
+            key = part.mid(eq + 1);
     }
-    return QString();
+    return key;
 }
 
 } // namespace store

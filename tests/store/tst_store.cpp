@@ -796,6 +796,7 @@ private slots:
         QTest::newRow("empty") << "" << "";
         QTest::newRow("junk") << "quartzel" << "";
         QTest::newRow("other key") << ";UID=quartzel" << "";
+        QTest::newRow("report form") << ";pwd=;PWD=quartzel" << "quartzel";
     }
 
     void keyFromConnect()

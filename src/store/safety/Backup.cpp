@@ -451,21 +451,9 @@ int keepCount(const QString &text)
     return negative || value < 1 ? 1 : int(value);
 }
 
-QString formatDate(const QDateTime &moment, bool withTime)
-{
-    if (!moment.isValid())
-        return QString();
-    // FormatoData writes the month as "mm", which is the minute for Qt.
-    QString format = frame::pub().FormatoData;
-    format.replace(QLatin1String("mm"), QLatin1String("MM"));
-    if (withTime)
-        format += QStringLiteral(" HH:mm:ss");
-    return moment.toString(format);
-}
-
 QString proposedNote(const QDate &today)
 {
-    return frame::GiornoSettimana(today) + QLatin1Char(' ') + formatDate(today.startOfDay(), false);
+    return frame::GiornoSettimana(today) + QLatin1Char(' ') + frame::TestoData(today.startOfDay(), false);
 }
 
 // ---- What the windows do
@@ -586,7 +574,7 @@ bool restoreBackup(const CatalogueEntry &entry, frame::Prompter &prompter, const
     }
     const QString gap = QStringLiteral("\n\n");
     if (!prompter.confirm(TestoLingua("M0024") + gap + TestoLingua("M0025") + QLatin1Char(' ') +
-                          formatDate(entry.data, true) + gap + TestoLingua("M0026") + QLatin1Char('.')))
+                          frame::TestoData(entry.data, true) + gap + TestoLingua("M0026") + QLatin1Char('.')))
         return false;
     const QString working = frame::pub().Pathdata;
     try {

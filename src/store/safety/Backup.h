@@ -113,8 +113,6 @@ BackupSettings readBackupSettings();
 void saveBackupSettings(const BackupSettings &settings);
 // The number of backups kept, read from a box as leading digits; anything below 1 gives 1.
 int keepCount(const QString &text);
-// A date as the program shows dates (FormatoData), with the time when `withTime`.
-QString formatDate(const QDateTime &moment, bool withTime);
 // The note proposed for a new backup: weekday name and today's date.
 QString proposedNote(const QDate &today);
 

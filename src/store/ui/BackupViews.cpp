@@ -46,7 +46,7 @@ QVariant BackupCatalogueModel::data(const QModelIndex &index, int role) const
         return QVariant();
     const safety::CatalogueEntry &e = m_rows.at(index.row());
     switch (index.column()) {
-    case ColData: return safety::formatDate(e.data, true);
+    case ColData: return frame::TestoData(e.data, true);
     case ColUtilizzatore: return e.utilizzatore;
     case ColNote: return e.note;
     case ColPercorso: return e.percorso;
