@@ -5,6 +5,9 @@
 #include "frmLogin.h"
 #include "frmMain.h"
 
+#include <frmStampaCassa.h>
+#include <frmStampaPark.h>
+
 #include <EngineCheck.h>
 #include <Language.h>
 #include <PublicState.h>
@@ -15,10 +18,38 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QPointer>
 #include <QStandardPaths>
 #include <QTimer>
 
 namespace frame {
+
+namespace {
+
+// One window per kind: a second click brings the open one forward.
+template <typename Finestra>
+frmMain::Apertura unica()
+{
+    return [](frmMain &main) -> QWidget * {
+        static QPointer<Finestra> aperta;
+        if (!aperta) {
+            aperta = new Finestra(main.prompter(), &main);
+            aperta->show();
+        }
+        aperta->raise();
+        aperta->activateWindow();
+        return aperta;
+    };
+}
+
+// The windows behind the items of the menus, by item number.
+void RegistraFinestre(frmMain &main)
+{
+    main.RegistraFinestra(301, unica<reports::frmStampaPark>());
+    main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
+}
+
+} // namespace
 
 int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &loginMostrato)
 {
@@ -51,6 +82,7 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
         return 1;
     }
     frmMain main(prompter);
+    RegistraFinestre(main);
     main.show();
     main.Avvio();
     LeggeImpostazioniAvvio();

@@ -43,6 +43,7 @@ public:
     void CliccaVoce(MenuVoci menu, int indice);
 
     QMdiArea *mdiArea() const { return m_mdi; }
+    Prompter &prompter() const { return m_prompter; }
     QString statusText() const;
     QMenu *menu(const QString &nome) const;
     QAction *voce(MenuVoci menu, int indice) const;

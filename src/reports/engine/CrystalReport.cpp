@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CrystalReport.h"
+
+#include "ReportRun.h"
+#include "ReportTemplate.h"
+
+#include <Connections.h>
+#include <Database.h>
+#include <DbError.h>
+#include <Prompter.h>
+#include <PublicState.h>
+
+#include <QAction>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QPointer>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QToolBar>
+
+#include <memory>
+
+namespace reports {
+
+using engine::ReportRun;
+using engine::RunError;
+
+struct CrystalReport::Data {
+    explicit Data(frame::Prompter &p, QWidget *w) : prompter(p), parent(w) {}
+    frame::Prompter &prompter;
+    QPointer<QWidget> parent;
+    QString reportFileName, connect, selection, windowTitle, printFileName;
+    QMap<int, QString> dataFiles, sortFields, formulas, graphTexts;
+    int windowState = 0;
+    int destination = ToWindow;
+    bool discardSavedData = true;
+
+    int pages = 0, rows = 0;
+    QString error;
+    bool keepLayout = false;
+    QList<LaidOutSection> layout;
+    QPointer<QPrintPreviewDialog> preview;
+};
+
+namespace {
+
+// The indexed slots in index order, as the runs read them.
+QStringList indexed(const QMap<int, QString> &m)
+{
+    QStringList out;
+    for (auto it = m.cbegin(); it != m.cend(); ++it) {
+        while (out.size() < it.key())
+            out << QString();
+        out << it.value();
+    }
+    return out;
+}
+
+void writePdf(ReportRun &run, const QString &path, const QString &title, QList<LaidOutSection> *keep)
+{
+    QPdfWriter writer(path);
+    writer.setPageLayout(run.pageLayout());
+    writer.setResolution(1200);
+    writer.setTitle(title);
+    writer.setCreator(QStringLiteral("Veltano"));
+    QPainter painter;
+    if (!painter.begin(&writer))
+        throw RunError(QStringLiteral("The file %1 can't be written: check the folder and that the file isn't open elsewhere.")
+                           .arg(QFileInfo(path).absoluteFilePath()));
+    run.paint(painter, writer, keep);
+    painter.end();
+}
+
+} // namespace
+
+CrystalReport::CrystalReport(frame::Prompter &prompter, QWidget *parent) : d(new Data(prompter, parent)) {}
+
+CrystalReport::~CrystalReport()
+{
+    delete d;
+}
+
+void CrystalReport::setReportFileName(const QString &path) { d->reportFileName = path; }
+void CrystalReport::setConnect(const QString &connect) { d->connect = connect; }
+void CrystalReport::setDataFiles(int index, const QString &path) { d->dataFiles.insert(index, path); }
+void CrystalReport::setSelectionFormula(const QString &formula) { d->selection = formula; }
+void CrystalReport::setSortFields(int index, const QString &field) { d->sortFields.insert(index, field); }
+void CrystalReport::setFormulas(int index, const QString &assignment) { d->formulas.insert(index, assignment); }
+void CrystalReport::setGraphText(int index, const QString &text) { d->graphTexts.insert(index, text); }
+void CrystalReport::setWindowTitle(const QString &title) { d->windowTitle = title; }
+void CrystalReport::setWindowState(int state) { d->windowState = state; }
+void CrystalReport::setDestination(int destination) { d->destination = destination; }
+void CrystalReport::setPrintFileName(const QString &path) { d->printFileName = path; }
+void CrystalReport::setDiscardSavedData(bool discard) { d->discardSavedData = discard; }
+
+int CrystalReport::lastPageCount() const { return d->pages; }
+int CrystalReport::lastRowCount() const { return d->rows; }
+const QString &CrystalReport::lastError() const { return d->error; }
+void CrystalReport::setKeepLayout(bool keep) { d->keepLayout = keep; }
+const QList<LaidOutSection> &CrystalReport::lastLayout() const { return d->layout; }
+QWidget *CrystalReport::previewWindow() const { return d->preview.data(); }
+
+QList<LaidOutSection> CrystalReport::laidOut(const QString &section) const
+{
+    QList<LaidOutSection> out;
+    for (const LaidOutSection &s : d->layout)
+        if (s.section.startsWith(section, Qt::CaseInsensitive))
+            out << s;
+    return out;
+}
+
+bool CrystalReport::setAction(int action)
+{
+    if (action != 1)
+        return true; // only 1 runs; other values change nothing, as with the control this engine replaces
+    d->error.clear();
+    try {
+        tpl::Template t = tpl::loadTemplate(d->reportFileName);
+        const QString database = d->dataFiles.value(0).trimmed();
+        if (database.isEmpty())
+            throw RunError(QStringLiteral("The report %1 was given no database to read.").arg(t.fileName));
+        if (!QFileInfo::exists(database))
+            throw RunError(QStringLiteral("The database %1 of the report %2 can't be found.").arg(database, t.fileName));
+        QString key = store::keyFromConnect(d->connect);
+        if (key.isEmpty())
+            key = QLatin1String(store::DatabaseKey);
+        store::Database &db = store::Connections::get(database, key);
+
+        engine::RunSettings settings;
+        settings.selection = d->selection;
+        settings.sortFields = indexed(d->sortFields);
+        settings.formulas = indexed(d->formulas);
+        settings.graphTexts = indexed(d->graphTexts);
+        const QString title = d->windowTitle.isEmpty() ? (t.title.isEmpty() ? QFileInfo(t.fileName).completeBaseName() : t.title)
+                                                       : d->windowTitle;
+        auto run = std::make_shared<ReportRun>(std::move(t), settings, db);
+        run->readRows(db);
+        const int pages = run->paginate();
+        QList<LaidOutSection> layout;
+        QList<LaidOutSection> *keep = d->keepLayout ? &layout : nullptr;
+
+        switch (d->destination) {
+        case ToFile:
+            if (d->printFileName.trimmed().isEmpty())
+                throw RunError(QStringLiteral("The report %1 is to be written to a file, but no file was named.").arg(run->templ().fileName));
+            writePdf(*run, d->printFileName, title, keep);
+            break;
+        case ToPrinter: {
+            const QPrinterInfo info = QPrinterInfo::defaultPrinter();
+            if (info.isNull())
+                throw RunError(QStringLiteral("No printer is installed, so \"%1\" can't be printed. Install a printer, "
+                                              "or open the report on screen and save it as a PDF file.")
+                                   .arg(title));
+            QPrinter printer(info, QPrinter::HighResolution);
+            printer.setFullPage(true);
+            printer.setPageLayout(run->pageLayout());
+            printer.setDocName(title);
+            QPainter painter;
+            if (!painter.begin(&printer))
+                throw RunError(QStringLiteral("The printer %1 can't be used now: check that it is on and ready.").arg(info.printerName()));
+            run->paint(painter, printer, keep);
+            painter.end();
+            break;
+        }
+        default: {
+            if (d->preview)
+                d->preview->close();
+            auto *dialog = new QPrintPreviewDialog(d->parent);
+            dialog->setAttribute(Qt::WA_DeleteOnClose);
+            dialog->setWindowTitle(title);
+            QPrinter *printer = dialog->printer();
+            printer->setFullPage(true);
+            printer->setPageLayout(run->pageLayout());
+            printer->setDocName(title);
+            // The window keeps the run: it repaints on zoom and print, and may outlive this object.
+            QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, dialog, [run](QPrinter *p) {
+                QPainter painter(p);
+                run->paint(painter, *p, nullptr);
+            });
+            if (auto *bar = dialog->findChild<QToolBar *>()) {
+                bar->addSeparator();
+                QAction *pdf = bar->addAction(QStringLiteral("PDF"));
+                pdf->setToolTip(QStringLiteral("Save as a PDF file"));
+                pdf->setObjectName(QStringLiteral("savePdf"));
+                // The window may outlive the form that asked for it, so it tells its own failures.
+                QObject::connect(pdf, &QAction::triggered, dialog, [run, dialog, title] {
+                    const QString path = QFileDialog::getSaveFileName(dialog, QStringLiteral("Save as PDF"),
+                                                                      title + QStringLiteral(".pdf"), QStringLiteral("PDF (*.pdf)"));
+                    if (path.isEmpty())
+                        return;
+                    try {
+                        writePdf(*run, path, title, nullptr);
+                    } catch (const RunError &e) {
+                        QMessageBox::warning(dialog, title, e.message());
+                    }
+                });
+            }
+            d->preview = dialog;
+            if (d->windowState == 2)
+                dialog->showMaximized();
+            else
+                dialog->show();
+            break;
+        }
+        }
+        d->pages = pages;
+        d->rows = run->rowCount();
+        if (d->keepLayout)
+            d->layout = layout;
+        return true;
+    } catch (const tpl::TemplateError &e) {
+        d->error = e.message();
+    } catch (const RunError &e) {
+        d->error = e.message();
+    } catch (const FormulaError &e) {
+        d->error = QStringLiteral("A formula of the report can't be worked out: %1 (character %2, at \"%3\").")
+                       .arg(e.messaggio())
+                       .arg(e.posizione() + 1)
+                       .arg(e.token());
+    } catch (const store::DbError &e) {
+        d->error = QStringLiteral("The database of the report can't be read: %1").arg(e.message());
+    } catch (const std::exception &e) {
+        d->error = QStringLiteral("The report can't be made: %1").arg(QString::fromLocal8Bit(e.what()));
+    }
+    d->prompter.message(d->error, frame::Prompter::Icon::Critical);
+    return false;
+}
+
+} // namespace reports
