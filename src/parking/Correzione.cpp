@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Correzione.h"
+
+#include <Database.h>
+#include <DbError.h>
+#include <Language.h>
+#include <Prompter.h>
+#include <PublicState.h>
+#include <Recordset.h>
+#include <Rights.h>
+#include <Routines.h>
+
+namespace parking {
+
+using frame::Prompter;
+using frame::pub;
+using frame::TestoLingua;
+
+QStringList ParoleStato()
+{
+    return {TestoLingua("M0297"), TestoLingua("M0298")};
+}
+
+QString ParolaStato(bool entrato)
+{
+    return TestoLingua(entrato ? "M0297" : "M0298");
+}
+
+QString RigaVeicoliDentro()
+{
+    return TestoLingua("M0299") + QStringLiteral(": ") + QString::number(VeicoliDentro());
+}
+
+namespace {
+
+// A refusal: an information box, then the list takes the focus.
+EsitoCorrezione rifiuta(Prompter &prompter, const char *chiave)
+{
+    prompter.information(TestoLingua(chiave));
+    EsitoCorrezione esito;
+    esito.fuoco = FuocoPark::Griglia;
+    return esito;
+}
+
+EsitoCorrezione allaGriglia()
+{
+    EsitoCorrezione esito;
+    esito.fuoco = FuocoPark::Griglia;
+    return esito;
+}
+
+bool haRigaCorrente(store::Recordset &rs)
+{
+    return !rs.isEmpty() && !rs.bof() && !rs.eof();
+}
+
+// The row may have gone from the table while a question was open (another
+// window, a year closing): the set's cached copy is not enough to tell.
+bool rigaEsiste(store::Recordset &rs)
+{
+    if (!haRigaCorrente(rs))
+        return false;
+    return frame::basedati()
+        .scalar(QStringLiteral("select id from Movimentazioni where id = ?"), {rs.key()})
+        .isValid();
+}
+
+// The author of the row for the rights test; -1 when it has none.
+int autoreRiga(const store::Recordset &rs)
+{
+    const QVariant id = rs.value(QStringLiteral("IdUtente"));
+    return id.isNull() ? -1 : int(id.toLongLong());
+}
+
+FuocoPark fuocoDi(Fuoco f)
+{
+    switch (f) {
+    case Fuoco::Targa:
+        return FuocoPark::Targa;
+    case Fuoco::CodiceFascia:
+        return FuocoPark::CodiceFascia;
+    case Fuoco::Nessuno:
+        break;
+    }
+    return FuocoPark::Nessuno;
+}
+
+EsitoCorrezione correggi(store::Recordset &rs, const QString &statoMovimento, PannelloMovimento &pannello,
+                         const QString &autorizzazione, Prompter &prompter, const Orologio &adesso)
+{
+    if (!frame::EAmministratore() && !pub().OpModificare)
+        return rifiuta(prompter, "M0049");
+    if (!haRigaCorrente(rs))
+        return rifiuta(prompter, "M0050");
+    // The tag's letter; AutorizzaOperazione shows its own refusal.
+    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("modifica"), autorizzazione, autoreRiga(rs)))
+        return allaGriglia();
+    if (rs.value(QStringLiteral("Annullato")).toBool())
+        return rifiuta(prompter, "M0051");
+    if (rs.value(QStringLiteral("Contabilizzato")).toBool())
+        return rifiuta(prompter, "M0052");
+    if (!prompter.confirm(TestoLingua("M0053"), Prompter::Icon::Exclamation))
+        return allaGriglia();
+
+    bool entrata;
+    if (statoMovimento == TestoLingua("M0297")) {
+        entrata = true;
+    } else if (statoMovimento == TestoLingua("M0298")) {
+        entrata = false;
+    } else {
+        prompter.stop(TestoLingua("M0054"));
+        EsitoCorrezione esito;
+        esito.fuoco = FuocoPark::StatoMovimento;
+        return esito;
+    }
+
+    // The register's own path, on the current row: number and year stay.
+    EsitoCorrezione esito;
+    esito.entraEsce = EntraEsce(rs, entrata, true, pannello, prompter, adesso);
+    esito.eseguito = esito.entraEsce.scritto;
+    esito.fuoco = fuocoDi(esito.entraEsce.fuoco);
+    // A written replay ends as the action button does: refresh, then the count line.
+    esito.aggiorna = esito.eseguito;
+    esito.contaVeicoli = esito.eseguito;
+    return esito;
+}
+
+EsitoCorrezione annulla(store::Recordset &rs, const QString &autorizzazione, Prompter &prompter)
+{
+    if (!frame::EAmministratore() && !pub().OpAnnullare)
+        return rifiuta(prompter, "M0054");
+    if (!haRigaCorrente(rs))
+        return rifiuta(prompter, "M0055");
+    // A cancellation takes the place of a delete, so it needs the right to delete.
+    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("elimina"), autorizzazione, autoreRiga(rs)))
+        return allaGriglia();
+    if (rs.value(QStringLiteral("Contabilizzato")).toBool())
+        return rifiuta(prompter, "M0056");
+    if (prompter.question(TestoLingua("M0057") + QStringLiteral("\n\n") + TestoLingua("M0006"),
+                          Prompter::Buttons::OkCancel, Prompter::Answer::Cancel, QString(), Prompter::Icon::Stop)
+        != Prompter::Answer::Ok)
+        return {};
+    if (!rigaEsiste(rs))
+        return {};
+
+    rs.Edit();
+    rs.setValue(QStringLiteral("Annullato"), true);
+    rs.setValue(QStringLiteral("Idutente"), pub().IdUtenteCorrente);
+    rs.Update();
+
+    EsitoCorrezione esito;
+    esito.eseguito = true;
+    esito.aggiorna = true;
+    esito.contaVeicoli = true;
+    esito.fuoco = FuocoPark::Griglia;
+    return esito;
+}
+
+// A failed read or write shows nothing of its own: the edit is dropped and the
+// window's refresh shows the row as the database holds it.
+EsitoCorrezione dopoErrore(store::Recordset &rs)
+{
+    if (rs.editMode() != store::Recordset::EditMode::None)
+        rs.CancelUpdate();
+    EsitoCorrezione esito;
+    esito.aggiorna = true;
+    esito.fuoco = FuocoPark::Griglia;
+    return esito;
+}
+
+} // namespace
+
+EsitoCorrezione ComMod(store::Recordset &rs, const QString &statoMovimento, PannelloMovimento &pannello,
+                       const QString &autorizzazione, Prompter &prompter, const Orologio &adesso)
+{
+    try {
+        return correggi(rs, statoMovimento, pannello, autorizzazione, prompter, adesso);
+    } catch (const store::DbError &) {
+        return dopoErrore(rs);
+    }
+}
+
+EsitoCorrezione ComAnn(store::Recordset &rs, const QString &autorizzazione, Prompter &prompter)
+{
+    try {
+        return annulla(rs, autorizzazione, prompter);
+    } catch (const store::DbError &) {
+        return dopoErrore(rs);
+    }
+}
+
+} // namespace parking

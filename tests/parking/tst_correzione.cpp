@@ -1,0 +1,500 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <Contabilizzazione.h>
+#include <Correzione.h>
+#include <Database.h>
+#include <FrmResto.h>
+#include <Language.h>
+#include <PublicState.h>
+#include <Recordset.h>
+#include <Registro.h>
+#include <Resto.h>
+#include <Routines.h>
+
+#include <ScriptedPrompter.h>
+#include <TestDatabase.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+using frame::Prompter;
+using frame::pub;
+using frame::TestoLingua;
+using parking::FuocoPark;
+using store::Currency;
+
+Q_DECLARE_METATYPE(parking::FuocoPark)
+
+namespace {
+
+Currency money(const QString &text)
+{
+    Currency c;
+    if (!Currency::parse(text, &c))
+        qFatal("bad amount in test: %s", qPrintable(text));
+    return c;
+}
+
+// A clock that the test moves by hand.
+struct Clock {
+    QDateTime now{QDate(2026, 3, 10), QTime(10, 0, 0)};
+    parking::Orologio fn() { return [this] { return now; }; }
+};
+
+// Runs `action` when the first question comes, then answers OK: the world
+// changing while the user reads a box.
+class PrompterWithHook final : public Prompter {
+public:
+    std::function<void()> action;
+    QStringList shown;
+    void message(const QString &text, Icon, const QString &) override { shown << text; }
+    Answer question(const QString &, Buttons, Answer, const QString &, Icon) override
+    {
+        if (action)
+            std::exchange(action, nullptr)();
+        return Answer::Ok;
+    }
+    std::optional<QString> input(const QString &, const QString &, const QString &) override { return std::nullopt; }
+};
+
+} // namespace
+
+class TestCorrezione : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDatabase> m_db;
+    Clock m_clock;
+    qint64 m_mario = 0; // a user who is not administrator
+
+    store::Database &db() { return frame::basedati(); }
+    // The parking window's data source, on the row `id` (-1: the set is empty).
+    std::unique_ptr<store::Recordset> form(qint64 id)
+    {
+        auto rs = std::make_unique<store::Recordset>(db(), QStringLiteral("select * from Q_Movimentazioni_Utenti order by id"));
+        if (id >= 0 && !rs->FindFirst(QStringLiteral("id"), id))
+            qFatal("movement %lld not found", id);
+        return rs;
+    }
+    // The panel as LeggeDati fills it from the current row.
+    parking::PannelloMovimento panel(const store::Recordset &rs)
+    {
+        parking::PannelloMovimento p;
+        p.targa = rs.value(QStringLiteral("Targa")).toString();
+        p.note = rs.value(QStringLiteral("Note")).toString();
+        p.fascia = rs.value(QStringLiteral("IdFascia")).toString();
+        p.dataIngresso = rs.value(QStringLiteral("DataOra")).toDateTime().date();
+        return p;
+    }
+    qint64 insert(bool entrato, bool annullato, bool contabilizzato, const QString &importo = QStringLiteral("0"),
+                  qint64 idUtente = 1, const QString &anno = QStringLiteral("2026"))
+    {
+        db().execute(QStringLiteral("insert into Movimentazioni (Anno, Progressivo, DataOra, DataOraOut, Targa, IdFascia, "
+                                    "Importo, Entrato, Annullato, Contabilizzato, IdUtente) values (?, (select count(*) + 1 "
+                                    "from Movimentazioni), '2026-03-10 09:00:00', ?, 'AB123CD', '01', ?, ?, ?, ?, ?)"),
+                     {anno, entrato ? QVariant() : QVariant(QStringLiteral("2026-03-10 09:30:00")),
+                      qint64(money(importo).raw()), entrato ? -1 : 0, annullato ? -1 : 0, contabilizzato ? -1 : 0, idUtente});
+        return db().lastInsertId();
+    }
+    QVariant field(qint64 id, const QString &name)
+    {
+        return db().scalar(QStringLiteral("select %1 from Movimentazioni where id = ?").arg(name), {id});
+    }
+    // Every row of a table as text, to prove that nothing changed.
+    QStringList dump(const QString &table)
+    {
+        QStringList rows;
+        store::Statement st = db().prepare(QStringLiteral("select * from %1 order by 1").arg(table));
+        while (st.step()) {
+            QStringList row;
+            for (int i = 0; i < st.columnCount(); ++i)
+                row << st.value(i).toString();
+            rows << row.join(QLatin1Char('|'));
+        }
+        return rows;
+    }
+    qint64 count(const QString &sql) { return db().scalar(sql).toLongLong(); }
+    void signInAs(const QString &user)
+    {
+        pub().UtenteCorrente = user;
+        pub().IdUtenteCorrente = int(user == QLatin1String("administrator") ? 1 : m_mario);
+    }
+
+private slots:
+    // The _data functions read texts before any fixture exists.
+    void initTestCase() { loadLanguage(QStringLiteral("English")); }
+    void init()
+    {
+        m_db = std::make_unique<TestDatabase>();
+        db().execute(QStringLiteral("insert into Autorizzazioni (Utente, Password) values ('mario', null)"));
+        m_mario = db().lastInsertId();
+        pub().StampaEntrata = pub().StampaUscita = false;
+        pub().TgObbligatoria = false;
+        pub().OpModificare = pub().OpAnnullare = pub().OpContabilizzare = true;
+        m_clock.now = QDateTime(QDate(2026, 3, 10), QTime(10, 0, 0));
+    }
+    void cleanup() { m_db.reset(); }
+
+    // Every refusal of correction, cancellation and posting, in their order; nothing changes.
+    void refusals_data()
+    {
+        QTest::addColumn<int>("op");      // 0 ComMod, 1 ComAnn, 2 ComCont
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<bool>("right");  // OpModificare, OpAnnullare, OpContabilizzare
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<int>("state");   // 0 inside, 1 cancelled, 2 posted, 3 out, -1 no row
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("asked");  // the confirmation was asked, and answered Cancel unless a word follows
+        QTest::addColumn<FuocoPark>("focus");
+        const QString in = QStringLiteral("INSIDE"), mario = QStringLiteral("L'utente 'mario' ");
+        const QString readOnly = mario + "è autorizzato solo a leggere le registrazione";
+        const QString noChange = mario + "non è autorizzato a modificare o cancellare le registrazioni";
+        const QString others = noChange + " fatte da altri utenti";
+        const auto G = FuocoPark::Griglia;
+        QTest::newRow("mod: no right") << 0 << "mario" << false << "" << 0 << in << TestoLingua("M0049") << false << G;
+        QTest::newRow("mod: no row") << 0 << "mario" << true << "" << -1 << in << TestoLingua("M0050") << false << G;
+        QTest::newRow("mod: letter L") << 0 << "mario" << true << "L" << 0 << in << readOnly << false << G;
+        QTest::newRow("mod: letter A") << 0 << "mario" << true << "A" << 0 << in << noChange << false << G;
+        QTest::newRow("mod: letter X, another's row") << 0 << "mario" << true << "X" << 0 << in << others << false << G;
+        QTest::newRow("mod: administrator without the flag, cancelled")
+            << 0 << "administrator" << false << "" << 1 << in << TestoLingua("M0051") << false << G;
+        QTest::newRow("mod: cancelled") << 0 << "mario" << true << "" << 1 << in << TestoLingua("M0051") << false << G;
+        QTest::newRow("mod: posted") << 0 << "mario" << true << "N" << 2 << in << TestoLingua("M0052") << false << G;
+        QTest::newRow("mod: question cancelled") << 0 << "mario" << true << "N" << 0 << "" << "" << true << G;
+        QTest::newRow("mod: unknown word") << 0 << "mario" << true << "" << 3 << "MAYBE" << TestoLingua("M0054") << true
+                                           << FuocoPark::StatoMovimento;
+        QTest::newRow("mod: lower case word") << 0 << "mario" << true << "" << 3 << "inside" << TestoLingua("M0054")
+                                              << true << FuocoPark::StatoMovimento;
+        QTest::newRow("mod: quotes, 10000 characters") << 0 << "mario" << true << "" << 0
+                                                       << "'\"" + QString(10000, QLatin1Char('x')) << TestoLingua("M0054")
+                                                       << true << FuocoPark::StatoMovimento;
+        QTest::newRow("ann: no right") << 1 << "mario" << false << "" << 0 << "" << TestoLingua("M0054") << false << G;
+        QTest::newRow("ann: administrator without the flag") << 1 << "administrator" << false << "" << 0 << "" << ""
+                                                             << true << FuocoPark::Nessuno;
+        QTest::newRow("ann: no row") << 1 << "mario" << true << "" << -1 << "" << TestoLingua("M0055") << false << G;
+        QTest::newRow("ann: letter M") << 1 << "mario" << true << "M" << 0 << ""
+                                       << mario + "non è autorizzato a cancellare le registrazioni" << false << G;
+        QTest::newRow("ann: letter X, another's row") << 1 << "mario" << true << "X" << 0 << "" << others << false << G;
+        QTest::newRow("ann: posted") << 1 << "mario" << true << "" << 2 << "" << TestoLingua("M0056") << false << G;
+        QTest::newRow("cont: no right") << 2 << "mario" << false << "" << 3 << "" << TestoLingua("M0058") << false << G;
+        QTest::newRow("cont: letter L") << 2 << "mario" << true << "L" << 3 << "" << readOnly << false << G;
+        QTest::newRow("cont: letter A") << 2 << "mario" << true << "A" << 3 << "" << noChange << false << G;
+        QTest::newRow("cont: only a vehicle inside") << 2 << "administrator" << false << "" << 0 << "" << TestoLingua("M0061")
+                                                     << false << FuocoPark::Nessuno;
+        QTest::newRow("cont: only a cancelled exit") << 2 << "mario" << true << "N" << 1 << "" << TestoLingua("M0061") << false
+                                                     << FuocoPark::Nessuno;
+        QTest::newRow("ann: question cancelled") << 1 << "mario" << true << "C" << 1 << "" << "" << true << FuocoPark::Nessuno;
+    }
+    void refusals()
+    {
+        QFETCH(int, op);
+        QFETCH(QString, user);
+        QFETCH(bool, right);
+        QFETCH(QString, tag);
+        QFETCH(int, state);
+        QFETCH(QString, word);
+        QFETCH(QString, message);
+        QFETCH(bool, asked);
+        QFETCH(FuocoPark, focus);
+        const qint64 id = state < 0 ? -1 : insert(state == 0, state == 1, state == 2);
+        signInAs(user);
+        (op == 0 ? pub().OpModificare : op == 1 ? pub().OpAnnullare : pub().OpContabilizzare) = right;
+        const QStringList before = dump(QStringLiteral("Movimentazioni"));
+        auto rs = form(id);
+        ScriptedPrompter p;
+        p.answer(word.isEmpty() ? Prompter::Answer::Cancel : Prompter::Answer::Ok);
+        parking::PannelloMovimento pn = state < 0 ? parking::PannelloMovimento() : panel(*rs);
+        if (op == 2) {
+            const auto esito = parking::ComCont(tag, p, m_clock.fn());
+            QVERIFY(!esito.contabilizzato);
+            QCOMPARE(esito.fuoco, focus);
+        } else {
+            const auto esito = op == 1 ? parking::ComAnn(*rs, tag, p) : parking::ComMod(*rs, word, pn, tag, p, m_clock.fn());
+            QVERIFY(!esito.eseguito);
+            QCOMPARE(esito.fuoco, focus);
+        }
+        QCOMPARE(p.messages.size(), message.isEmpty() ? 0 : 1);
+        if (!message.isEmpty())
+            QCOMPARE(p.messages.first().text, message);
+        QCOMPARE(p.questions.size(), asked ? 1 : 0);
+        if (asked) {
+            QCOMPARE(p.questions.first(), op == 1 ? TestoLingua("M0057") + QStringLiteral("\n\n") + TestoLingua("M0006")
+                                                 : TestoLingua("M0053"));
+            QCOMPARE(p.questionIcons.first(), op == 1 ? Prompter::Icon::Stop : Prompter::Icon::Exclamation);
+        }
+        QCOMPARE(dump(QStringLiteral("Movimentazioni")), before);
+        QCOMPARE(count(QStringLiteral("select count(*) from Cassa")), 0);
+    }
+
+    // A correction of an entry replays the entry on the same row: fresh time, number and year kept.
+    void correctEntry()
+    {
+        const qint64 id = insert(false, false, false, QStringLiteral("4"), m_mario); // X: own rows only
+        const QVariant number = field(id, QStringLiteral("Progressivo"));
+        pub().AnnoEsercizio = QStringLiteral("2027"); // the year moved on: the row keeps its own
+        signInAs(QStringLiteral("mario"));
+        m_clock.now = QDateTime(QDate(2026, 3, 10), QTime(12, 0, 0));
+        auto rs = form(id);
+        parking::PannelloMovimento pn = panel(*rs);
+        pn.targa = QStringLiteral("  ZZ999ZZ  ");
+        ScriptedPrompter p;
+        p.answer(Prompter::Answer::Ok); // M0053
+        p.answer(Prompter::Answer::Ok); // M0066
+        const auto esito = parking::ComMod(*rs, parking::ParolaStato(true), pn, QStringLiteral("X"), p, m_clock.fn());
+
+        QVERIFY2(esito.eseguito, qPrintable(p.messages.isEmpty() ? QString() : p.messages.first().text));
+        QVERIFY(esito.aggiorna);
+        QVERIFY(!esito.entraEsce.resto);
+        QCOMPARE(p.questions.last(), TestoLingua("M0066") + QStringLiteral("ZZ999ZZ'' ?"));
+        QCOMPARE(field(id, QStringLiteral("Entrato")).toLongLong(), -1);
+        QCOMPARE(field(id, QStringLiteral("Targa")).toString(), QStringLiteral("ZZ999ZZ"));
+        QCOMPARE(field(id, QStringLiteral("DataOra")).toString(), QStringLiteral("2026-03-10 12:00:00"));
+        QVERIFY(field(id, QStringLiteral("DataOraOut")).isNull());
+        QVERIFY(field(id, QStringLiteral("IdUtenteOut")).isNull());
+        QCOMPARE(field(id, QStringLiteral("IdUtente")).toLongLong(), m_mario);
+        QCOMPARE(field(id, QStringLiteral("Progressivo")), number);
+        QCOMPARE(field(id, QStringLiteral("Anno")).toString(), QStringLiteral("2026"));
+        QCOMPARE(field(id, QStringLiteral("Importo")).toLongLong(), money(QStringLiteral("4")).raw()); // kept until the next exit
+        QCOMPARE(count(QStringLiteral("select count(*) from TabProgressivi")), 0); // no number was taken
+        QCOMPARE(count(QStringLiteral("select count(*) from Movimentazioni")), 1);
+    }
+
+    // A correction of an exit stamps the exit again and prices the stay (entered 09:00) up to now.
+    void correctExit_data()
+    {
+        QTest::addColumn<QString>("band");
+        QTest::addColumn<QTime>("correctedAt");
+        QTest::addColumn<QString>("amount");
+        QTest::newRow("one-stage, later") << "01" << QTime(11, 1, 0) << "6";   // 121 min, 2.00 per hour started
+        QTest::newRow("two-stage, later") << "02" << QTime(11, 1, 0) << "7.5"; // 3.00 + 3 x 1.50
+        QTest::newRow("one-stage, same hour") << "01" << QTime(9, 59, 59) << "2";
+    }
+    void correctExit()
+    {
+        QFETCH(QString, band);
+        QFETCH(QTime, correctedAt);
+        QFETCH(QString, amount);
+        const qint64 id = insert(false, false, false, QStringLiteral("1"));
+        db().execute(QStringLiteral("update Movimentazioni set IdFascia = ? where id = ?"), {band, id});
+        const QVariant number = field(id, QStringLiteral("Progressivo"));
+        m_clock.now = QDateTime(QDate(2026, 3, 10), correctedAt);
+        auto rs = form(id);
+        parking::PannelloMovimento pn = panel(*rs);
+        ScriptedPrompter p;
+        p.answer(Prompter::Answer::Ok); // M0053
+        p.answer(Prompter::Answer::Ok); // M0072
+        const auto esito = parking::ComMod(*rs, parking::ParolaStato(false), pn, QString(), p, m_clock.fn());
+
+        QVERIFY(esito.eseguito);
+        QCOMPARE(p.questions.last(), TestoLingua("M0072") + QStringLiteral("AB123CD'' ?"));
+        QVERIFY(esito.entraEsce.resto); // the change calculator opens with the new amount
+        QCOMPARE(esito.entraEsce.importo, money(amount));
+        QCOMPARE(field(id, QStringLiteral("Importo")).toLongLong(), money(amount).raw());
+        QCOMPARE(field(id, QStringLiteral("DataOraOut")).toDateTime(), m_clock.now);
+        QCOMPARE(field(id, QStringLiteral("DataOra")).toString(), QStringLiteral("2026-03-10 09:00:00"));
+        QCOMPARE(field(id, QStringLiteral("Entrato")).toLongLong(), 0);
+        QCOMPARE(field(id, QStringLiteral("Progressivo")), number);
+        QCOMPARE(count(QStringLiteral("select count(*) from TabProgressivi")), 0);
+    }
+
+    void cancellation()
+    {
+        const qint64 a = insert(true, false, false, QStringLiteral("0"), 1);
+        insert(true, false, false);
+        insert(false, false, false, QStringLiteral("5"));
+        QCOMPARE(parking::VeicoliDentro(), 2);
+        signInAs(QStringLiteral("mario"));
+        auto rs = form(a);
+        ScriptedPrompter p;
+        p.answer(Prompter::Answer::Ok);
+        const auto esito = parking::ComAnn(*rs, QStringLiteral("C"), p);
+        QVERIFY(esito.eseguito);
+        QVERIFY(esito.aggiorna);
+        QVERIFY(esito.contaVeicoli);
+        QCOMPARE(esito.fuoco, FuocoPark::Griglia);
+        QCOMPARE(field(a, QStringLiteral("Annullato")).toLongLong(), -1);
+        QCOMPARE(field(a, QStringLiteral("IdUtente")).toLongLong(), m_mario); // the author is replaced
+        QCOMPARE(field(a, QStringLiteral("Entrato")).toLongLong(), -1);
+        QCOMPARE(parking::VeicoliDentro(), 1);
+        QCOMPARE(parking::RigaVeicoliDentro(), TestoLingua("M0299") + QStringLiteral(": 1"));
+    }
+
+    // The row went away while the question was open: nothing is written.
+    void cancellationOfVanishedRow()
+    {
+        const qint64 id = insert(true, false, false);
+        auto rs = form(id);
+        PrompterWithHook p;
+        p.action = [&] { db().execute(QStringLiteral("delete from Movimentazioni where id = ?"), {id}); };
+        const auto esito = parking::ComAnn(*rs, QString(), p);
+        QVERIFY(!esito.eseguito);
+        QVERIFY(p.shown.isEmpty());
+        QCOMPARE(count(QStringLiteral("select count(*) from Movimentazioni")), 0);
+    }
+
+    void posting()
+    {
+        for (int i = 0; i < 10; ++i) // ten times 0.1: a floating sum would miss 1 by a hair
+            insert(false, false, false, QStringLiteral("0.1"));
+        insert(false, false, false, QStringLiteral("0"));                             // zero still counts
+        insert(false, false, false, QStringLiteral("2.2222"), 1, QStringLiteral("2025")); // any year
+        insert(true, false, false, QStringLiteral("9"));  // inside
+        insert(false, true, false, QStringLiteral("9"));  // cancelled
+        insert(false, false, true, QStringLiteral("9"));  // posted before
+        signInAs(QStringLiteral("mario"));
+        m_clock.now = QDateTime(QDate(2026, 12, 31), QTime(23, 59, 59));
+
+        ScriptedPrompter p;
+        const auto esito = parking::ComCont(QStringLiteral("M"), p, m_clock.fn());
+        QVERIFY(esito.contabilizzato);
+        QCOMPARE(esito.movimenti, 12);
+        QCOMPARE(esito.totale, money(QStringLiteral("3.2222")));
+        QCOMPARE(p.messages.size(), 1);
+        QCOMPARE(p.messages.first().text, TestoLingua("M0059") + QStringLiteral(" 12 ") + TestoLingua("M0296"));
+        QCOMPARE(p.messages.first().icon, Prompter::Icon::Information);
+        // id, no customer, user, date without time, text, the double nearest the exact sum, no outflow, year.
+        QCOMPARE(dump(QStringLiteral("Cassa")),
+                 QStringList(QStringLiteral("%1||%2|2026-12-31 00:00:00|%3 (12 %4)|3.2222|0|2026")
+                                 .arg(esito.idCassa).arg(m_mario).arg(TestoLingua("M0301"), TestoLingua("M0302"))));
+        QCOMPARE(count(QStringLiteral("select count(*) from Movimentazioni where Contabilizzato = -1")), 13);
+        QCOMPARE(count(QStringLiteral("select count(*) from Movimentazioni where Contabilizzato = 0 and (Entrato = -1 or Annullato = -1)")), 2);
+
+        // Twice: nothing more to post.
+        ScriptedPrompter second;
+        QVERIFY(!parking::ComCont(QString(), second, m_clock.fn()).contabilizzato);
+        QCOMPARE(second.messages.first().text, TestoLingua("M0061"));
+        QCOMPARE(count(QStringLiteral("select count(*) from Cassa")), 1);
+    }
+
+    // A failure before or after the cash row leaves both tables as they were.
+    void postingFailure_data()
+    {
+        QTest::addColumn<QString>("trigger");
+        QTest::newRow("cash row refused") << "create trigger stop before insert on Cassa begin select raise(abort, 'cash book locked'); end";
+        QTest::newRow("marking refused after the cash row")
+            << "create trigger stop before update on Movimentazioni begin select raise(abort, 'register locked'); end";
+    }
+    void postingFailure()
+    {
+        QFETCH(QString, trigger);
+        insert(false, false, false, QStringLiteral("1.5"));
+        insert(false, false, false, QStringLiteral("2.5"));
+        db().execute(trigger);
+        const QStringList movements = dump(QStringLiteral("Movimentazioni"));
+        const QStringList cash = dump(QStringLiteral("Cassa"));
+        ScriptedPrompter p;
+        const auto esito = parking::Contabilizza(p, m_clock.fn());
+        QVERIFY(!esito.contabilizzato);
+        QCOMPARE(p.messages.size(), 1);
+        QCOMPARE(p.messages.first().icon, Prompter::Icon::Critical);
+        QVERIFY(p.messages.first().text.contains(QStringLiteral("locked")));
+        QCOMPARE(dump(QStringLiteral("Movimentazioni")), movements);
+        QCOMPARE(dump(QStringLiteral("Cassa")), cash);
+
+        // Once the fault is gone the same movements post normally.
+        db().execute(QStringLiteral("drop trigger stop"));
+        ScriptedPrompter ok;
+        const auto posted = parking::Contabilizza(ok, m_clock.fn());
+        QVERIFY(posted.contabilizzato);
+        QCOMPARE(posted.totale, money(QStringLiteral("4")));
+    }
+
+    void changeArithmetic_data()
+    {
+        QTest::addColumn<QString>("due");
+        QTest::addColumn<QString>("given");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<QString>("change");
+        QTest::newRow("plain") << "12.5" << "20" << true << "7.5";
+        QTest::newRow("comma") << "12.5" << " 20,25 " << true << "7.75";
+        QTest::newRow("pays less") << "12.5" << "10" << true << "-2.5";
+        QTest::newRow("four decimals") << "0.0001" << "0.0003" << true << "0.0002";
+        QTest::newRow("largest") << "0" << "99999999999999.9999" << true << "99999999999999.9999";
+        QTest::newRow("empty") << "3" << "" << false << "";
+        QTest::newRow("letters") << "3" << "ten" << false << "";
+        QTest::newRow("quote") << "3" << "1'0" << false << "";
+        QTest::newRow("two separators") << "3" << "1.2.3" << false << "";
+        QTest::newRow("five decimals") << "3" << "1.23456" << false << "";
+        QTest::newRow("10000 digits") << "3" << QString(10000, QLatin1Char('9')) << false << "";
+        QTest::newRow("nan") << "3" << "nan" << false << "";
+    }
+    void changeArithmetic()
+    {
+        QFETCH(QString, due);
+        QFETCH(QString, given);
+        QFETCH(bool, valid);
+        QFETCH(QString, change);
+        const auto resto = parking::RestoDaTesto(money(due), given);
+        QCOMPARE(resto.has_value(), valid);
+        QCOMPARE(resto.value_or(Currency()), valid ? money(change) : Currency());
+        if (valid)
+            QCOMPARE(parking::CalcolaResto(money(due), *parking::LeggeImporto(given)), money(change));
+        // What the box lets through while typing, and how amounts are shown.
+        QCOMPARE(parking::ImportoIncompleto(given), given.isEmpty());
+        QVERIFY(parking::ImportoIncompleto(QStringLiteral("12.")) && parking::ImportoIncompleto(QStringLiteral("-")));
+        QVERIFY(!parking::ImportoIncompleto(QStringLiteral("1.2.")));
+        QCOMPARE(parking::TestoImporto(money(QStringLiteral("-3"))), QStringLiteral("-3.00"));
+        QCOMPARE(parking::TestoImporto(money(QStringLiteral("0.1235"))), QStringLiteral("0.1235"));
+    }
+
+    void changeWindow()
+    {
+        parking::FrmResto w;
+        auto *importo = w.findChild<QLineEdit *>(QStringLiteral("TxtNImporto"));
+        auto *cliente = w.findChild<QLineEdit *>(QStringLiteral("TxtNImportoCliente"));
+        auto *resto = w.findChild<QLineEdit *>(QStringLiteral("TxtNResto"));
+        QVERIFY(importo && cliente && resto);
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("LblResto"))->text(), TestoLingua("M0365"));
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("lblImporto"))->text(), TestoLingua("M0322"));
+        QCOMPARE(w.findChild<QLabel *>(QStringLiteral("lblCalcolaResto"))->text(), TestoLingua("M0367"));
+        QCOMPARE(w.findChild<QPushButton *>(QStringLiteral("cmdOK"))->text(), TestoLingua("M0143"));
+        QVERIFY(w.isModal());
+
+        w.impostaImporto(money(QStringLiteral("12.5")));
+        QCOMPARE(importo->text(), QStringLiteral("12.50"));
+        QVERIFY(resto->text().isEmpty()); // nothing typed, nothing shown
+        QVERIFY(!w.restoCalcolato());
+        QTest::keyClicks(cliente, QStringLiteral("2x'0")); // letters and quotes are refused as typed
+        QCOMPARE(cliente->text(), QStringLiteral("20"));
+        QCOMPARE(resto->text(), QStringLiteral("7.50"));
+        QCOMPARE(w.resto(), money(QStringLiteral("7.5")));
+        QTest::keyClick(cliente, Qt::Key_Backspace);
+        QCOMPARE(resto->text(), QStringLiteral("-10.50"));
+        QTest::keyClicks(cliente, QStringLiteral(",55"));
+        QCOMPARE(resto->text(), QStringLiteral("-9.95"));
+        cliente->selectAll();
+        QTest::keyClicks(cliente, QString(10000, QLatin1Char('9')));
+        QCOMPARE(cliente->text(), QString(14, QLatin1Char('9'))); // more whole digits are refused
+        QVERIFY(w.restoCalcolato());
+    }
+
+    // Shown modally as an exit shows it: the attendant types and presses Enter or Esc.
+    void changeWindowKeyboard()
+    {
+        for (const auto &[key, result] : {std::pair(Qt::Key_Return, int(QDialog::Accepted)), std::pair(Qt::Key_Escape, int(QDialog::Rejected))}) {
+            parking::FrmResto w;
+            w.impostaImporto(money(QStringLiteral("4")));
+            QString seen;
+            QTimer::singleShot(0, this, [&, key = key] {
+                QCOMPARE(QApplication::activeModalWidget(), &w);
+                auto *cliente = w.findChild<QLineEdit *>(QStringLiteral("TxtNImportoCliente"));
+                QCOMPARE(w.focusWidget(), cliente); // the amount given has the focus on opening
+                QTest::keyClicks(cliente, QStringLiteral("5"));
+                seen = w.findChild<QLineEdit *>(QStringLiteral("TxtNResto"))->text();
+                QTest::keyClick(cliente, key);
+            });
+            QCOMPARE(w.exec(), result);
+            QCOMPARE(seen, QStringLiteral("1.00"));
+            QCOMPARE(w.resto(), money(QStringLiteral("1")));
+        }
+        QCOMPARE(count(QStringLiteral("select count(*) from Cassa")), 0); // the dialog stores nothing
+    }
+};
+
+QTEST_MAIN(TestCorrezione)
+#include "tst_correzione.moc"
