@@ -23,9 +23,6 @@ using frame::TestoLingua;
 
 namespace {
 
-// The escape character of every LIKE pattern the builder writes.
-constexpr QChar Escape = QLatin1Char('\\');
-
 bool identificatoreSemplice(const QString &nome)
 {
     if (nome.isEmpty() || nome.at(0).isDigit())
@@ -60,7 +57,7 @@ QString condizioneSQL(const QString &campo, const Confronto &c, const QString &v
     if (!c.like())
         return campo + c.operatore + ApiciSQL(valore);
     // A typed % or _ stays a letter: the pattern's own wildcards are the only ones.
-    const QString modello = (c.jollyPrima ? QStringLiteral("%") : QString()) + EscapeLike(valore)
+    const QString modello = (c.jollyPrima ? QStringLiteral("%") : QString()) + frame::EscapeLike(valore)
                             + (c.jollyDopo ? QStringLiteral("%") : QString());
     return campo + c.operatore + ApiciSQL(modello) + QStringLiteral(" escape '\\'");
 }
@@ -112,54 +109,9 @@ Confronto confronto(int indice)
     return {QStringLiteral(" like "), false, true};
 }
 
-QString EscapeLike(const QString &valore)
-{
-    QString r;
-    r.reserve(valore.size() + 8);
-    for (const QChar c : valore) {
-        if (c == QLatin1Char('%') || c == QLatin1Char('_') || c == Escape)
-            r += Escape;
-        r += c;
-    }
-    return r;
-}
-
 QString TestoFormula(const QString &valore)
 {
     return QLatin1Char('\'') + frame::RaddoppiaApici(valore) + QLatin1Char('\'');
-}
-
-std::optional<QDate> LeggeDataFiltro(const QString &testo)
-{
-    const QString t = testo.trimmed();
-    if (t.isEmpty() || t.size() > 20)
-        return std::nullopt;
-    static const QRegularExpression forma(QStringLiteral("^(\\d{1,4})[/.\\- ](\\d{1,2})[/.\\- ](\\d{1,4})$"));
-    const QRegularExpressionMatch m = forma.match(t);
-    if (!m.hasMatch())
-        return std::nullopt;
-    int parti[3] = {m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt()};
-    int y, mo, d;
-    if (m.captured(1).size() == 4) { // ISO order whatever the user's format
-        y = parti[0], mo = parti[1], d = parti[2];
-    } else {
-        // The user's order: the places of d, m and y in FormatoData.
-        const QString f = frame::pub().FormatoData.toLower();
-        const int pd = int(f.indexOf(QLatin1Char('d'))), pm = int(f.indexOf(QLatin1Char('m'))), py = int(f.indexOf(QLatin1Char('y')));
-        auto rango = [&](int p) { return int(p > pd) + int(p > pm) + int(p > py); };
-        if (pd < 0 || pm < 0 || py < 0)
-            return std::nullopt;
-        d = parti[rango(pd)], mo = parti[rango(pm)], y = parti[rango(py)];
-        const int cifreAnno = int(m.captured(rango(py) + 1).size());
-        if (cifreAnno == 3)
-            return std::nullopt;
-        if (cifreAnno <= 2)
-            y += y < 30 ? 2000 : 1900;
-    }
-    const QDate data(y, mo, d);
-    if (!data.isValid() || y < 100)
-        return std::nullopt;
-    return data;
 }
 
 std::optional<double> LeggeNumeroFiltro(const QString &testo)
@@ -213,7 +165,7 @@ Filtro CostruisciFiltro(const QString &tabella, const QVector<CasellaFiltro> &ca
         const CasellaFiltro &k = caselle.at(i);
         if (k.tipo != TipoCasella::Data)
             continue;
-        const std::optional<QDate> dal = LeggeDataFiltro(k.valore), al = LeggeDataFiltro(k.valoreAl);
+        const std::optional<QDate> dal = frame::LeggeData(k.valore), al = frame::LeggeData(k.valoreAl);
         const bool dalErrata = !k.valore.trimmed().isEmpty() && !dal;
         if (dalErrata || (!k.valoreAl.trimmed().isEmpty() && !al)) {
             frame::MostraStato(QString());

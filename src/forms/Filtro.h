@@ -59,12 +59,8 @@ struct Filtro {
     QString descrizione;      // the criteria in words, or empty
 };
 
-// Escapes a value for a LIKE pattern with '\' as its escape character.
-QString EscapeLike(const QString &valore);
 // A text literal of the formula language: quoted, quotes inside doubled.
 QString TestoFormula(const QString &valore);
-// A date as typed in a box, in the user's date order; std::nullopt when it isn't one.
-std::optional<QDate> LeggeDataFiltro(const QString &testo);
 // A number as typed in a box (decimal point or comma); std::nullopt when it isn't one.
 std::optional<double> LeggeNumeroFiltro(const QString &testo);
 

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cmath>
 
@@ -150,6 +151,51 @@ QVariant NumeroONullo(const QVariant &valore)
 QVariant TestoONullo(const QVariant &valore)
 {
     return valore.isNull() ? QVariant(QString()) : valore;
+}
+
+std::optional<QDate> LeggeData(const QString &testo)
+{
+    const QString t = testo.trimmed();
+    if (t.isEmpty() || t.size() > 20)
+        return std::nullopt;
+    static const QRegularExpression forma(QStringLiteral("^(\\d{1,4})[/.\\- ](\\d{1,2})[/.\\- ](\\d{1,4})$"));
+    const QRegularExpressionMatch m = forma.match(t);
+    if (!m.hasMatch())
+        return std::nullopt;
+    int parti[3] = {m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3).toInt()};
+    int y, mo, d;
+    if (m.captured(1).size() == 4) { // ISO order whatever the user's format
+        y = parti[0], mo = parti[1], d = parti[2];
+    } else {
+        // The user's order: the places of d, m and y in FormatoData.
+        const QString f = pub().FormatoData.toLower();
+        const int pd = int(f.indexOf(QLatin1Char('d'))), pm = int(f.indexOf(QLatin1Char('m'))), py = int(f.indexOf(QLatin1Char('y')));
+        auto rango = [&](int p) { return int(p > pd) + int(p > pm) + int(p > py); };
+        if (pd < 0 || pm < 0 || py < 0)
+            return std::nullopt;
+        d = parti[rango(pd)], mo = parti[rango(pm)], y = parti[rango(py)];
+        const int cifreAnno = int(m.captured(rango(py) + 1).size());
+        if (cifreAnno == 3)
+            return std::nullopt;
+        if (cifreAnno <= 2)
+            y += y < 30 ? 2000 : 1900;
+    }
+    const QDate data(y, mo, d);
+    if (!data.isValid() || y < 100)
+        return std::nullopt;
+    return data;
+}
+
+QString EscapeLike(const QString &valore)
+{
+    QString r;
+    r.reserve(valore.size() + 8);
+    for (const QChar c : valore) {
+        if (c == QLatin1Char('%') || c == QLatin1Char('_') || c == QLatin1Char('\\'))
+            r += QLatin1Char('\\');
+        r += c;
+    }
+    return r;
 }
 
 QString TestoData(const QDateTime &momento, bool conOra)

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <optional>
+
 namespace store {
 class Database;
 }
@@ -37,6 +39,10 @@ bool ListaContiene(const QString &testo, const QStringList &lista);
 QString GiornoSettimana(const QDate &data);
 QVariant NumeroONullo(const QVariant &valore);
 QVariant TestoONullo(const QVariant &valore);
+// A date as typed in a box, in the user's date order (FormatoData) or ISO; std::nullopt when it isn't one.
+std::optional<QDate> LeggeData(const QString &testo);
+// A value made literal for a LIKE pattern whose escape character is '\\' (write "escape '\\'" after it).
+QString EscapeLike(const QString &valore);
 // A date as the program shows dates (FormatoData), with the time when `conOra`; "" for no date.
 QString TestoData(const QDateTime &momento, bool conOra = false);
 // The folder of `Pathdata`: the path less the 13 characters of "/basedati.mdb".

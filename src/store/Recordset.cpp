@@ -22,7 +22,90 @@ QString keyText(const QVariant &key)
     return key.toString();
 }
 
+bool isWordChar(QChar c)
+{
+    return c.isLetterOrNumber() || c == QLatin1Char('_');
+}
+
+// Whether `word` stands at `i` of `sql` as a whole word, and where it ends.
+bool wordAt(const QString &sql, qsizetype i, QLatin1String word, qsizetype *end)
+{
+    if (i > 0 && isWordChar(sql[i - 1]))
+        return false;
+    if (sql.mid(i, word.size()).compare(word, Qt::CaseInsensitive) != 0)
+        return false;
+    const qsizetype e = i + word.size();
+    if (e < sql.size() && isWordChar(sql[e]))
+        return false;
+    *end = e;
+    return true;
+}
+
+// Calls `top(i)` at each character of `sql` that stands outside parentheses,
+// quotes and brackets; stops early when it returns false.
+template <typename F>
+void scanTopLevel(const QString &sql, F top)
+{
+    int depth = 0;
+    QChar closing;
+    for (qsizetype i = 0; i < sql.size(); ++i) {
+        const QChar c = sql[i];
+        if (!closing.isNull()) {
+            if (c == closing)
+                closing = QChar();
+            continue;
+        }
+        if (c == QLatin1Char('\'') || c == QLatin1Char('"') || c == QLatin1Char('`'))
+            closing = c;
+        else if (c == QLatin1Char('['))
+            closing = QLatin1Char(']');
+        else if (c == QLatin1Char('('))
+            ++depth;
+        else if (c == QLatin1Char(')'))
+            --depth;
+        else if (depth == 0 && !top(i))
+            return;
+    }
+}
+
+// The query without its final ORDER BY, for counting: a count needs no sort, and
+// a sort on a field without an index would cost a pass over the whole set.
+// A clause with a LIMIT or a parameter changes what is counted, so it stays.
+QString withoutOrder(const QString &sql)
+{
+    const int at = orderByPosition(sql);
+    if (at < 0)
+        return sql;
+    const QString tail = sql.mid(at);
+    bool keep = tail.contains(QLatin1Char('?'));
+    scanTopLevel(tail, [&](qsizetype i) {
+        qsizetype end;
+        if (wordAt(tail, i, QLatin1String("limit"), &end))
+            keep = true;
+        return !keep;
+    });
+    return keep ? sql : sql.left(at);
+}
+
 } // namespace
+
+int orderByPosition(const QString &sql)
+{
+    int found = -1;
+    scanTopLevel(sql, [&](qsizetype i) {
+        qsizetype end;
+        if (wordAt(sql, i, QLatin1String("order"), &end)) {
+            qsizetype j = end;
+            while (j < sql.size() && sql[j].isSpace())
+                ++j;
+            qsizetype after;
+            if (j > end && wordAt(sql, j, QLatin1String("by"), &after))
+                found = int(i);
+        }
+        return true;
+    });
+    return found;
+}
 
 Recordset::Recordset(Database &db, const QString &sql, const QVariantList &params)
     : m_db(db), m_sql(sql), m_params(params)
@@ -80,10 +163,19 @@ const FieldInfo &Recordset::field(const QString &name) const
 bool Recordset::fetchUpTo(qint64 pos)
 {
     const bool keyed = m_keyColumn >= 0;
+    // Rows whose blocks would leave the cache before `pos` is reached are read
+    // by their key alone: a jump to the end of a long set builds no whole rows.
+    const qint64 wholeFrom = pos - qint64(MaxBlocks) * BlockSize;
     while ((keyed ? m_keys.size() : m_unkeyed.size()) <= pos) {
         if (m_exhausted || !m_stmt->step()) {
             m_exhausted = true;
             return false;
+        }
+        if (keyed && m_keys.size() < wholeFrom) {
+            const QVariant k = m_stmt->value(m_keyColumn);
+            if (m_addedKeys.isEmpty() || !m_addedKeys.contains(keyText(k)))
+                m_keys.append(k);
+            continue;
         }
         Row row(m_fields.size());
         for (int i = 0; i < row.size(); ++i)
@@ -228,7 +320,8 @@ qint64 Recordset::RecordCount()
             fetchAll();
             return m_unkeyed.size();
         }
-        m_total = m_db.scalar(QStringLiteral("select count(*) from (%1)").arg(m_sql), m_params).toLongLong();
+        const QString counted = withoutOrder(m_sql);
+        m_total = m_db.scalar(QStringLiteral("select count(*) from (%1)").arg(counted), m_params).toLongLong();
         // Rows added here stand in the set whether or not the query would find them.
         if (!m_addedKeys.isEmpty()) {
             QStringList marks;
@@ -238,7 +331,7 @@ qint64 Recordset::RecordCount()
                 params << k;
             }
             const qint64 found = m_db.scalar(QStringLiteral("select count(*) from (%1) where %2 in (%3)")
-                                                 .arg(m_sql, quoteName(m_fields[m_keyColumn].name), marks.join(QLatin1Char(','))),
+                                                 .arg(counted, quoteName(m_fields[m_keyColumn].name), marks.join(QLatin1Char(','))),
                                              params)
                                      .toLongLong();
             *m_total += m_addedKeys.size() - found;
@@ -316,6 +409,66 @@ bool Recordset::FindFirst(const QString &fieldName, const QVariant &wanted)
             return v.toString().compare(wanted.toString(), Qt::CaseInsensitive) == 0;
         return v == wanted;
     });
+}
+
+bool Recordset::peek(qint64 pos, const std::function<void(const Recordset &)> &look)
+{
+    if (pos < 0 || !fetchUpTo(pos))
+        return false;
+    // Put back what the caller stood on, even when `look` throws.
+    struct Restore {
+        Recordset &rs;
+        qint64 pos;
+        bool deleted;
+        EditMode mode;
+        ~Restore()
+        {
+            rs.m_pos = pos;
+            rs.m_deletedCurrent = deleted;
+            rs.m_mode = mode;
+        }
+    } restore{*this, m_pos, m_deletedCurrent, m_mode};
+    m_pos = pos;
+    m_deletedCurrent = false;
+    m_mode = EditMode::None;
+    look(*this);
+    return true;
+}
+
+qint64 Recordset::positionOfKey(const QVariant &key)
+{
+    if (m_keyColumn < 0 || !key.isValid() || key.isNull())
+        return -1;
+    const QString text = keyText(key);
+    bool numeric = false;
+    const qint64 number = key.toLongLong(&numeric);
+    const auto matches = [&](const QVariant &k) {
+        if (numeric && k.typeId() == QMetaType::LongLong)
+            return k.toLongLong() == number;
+        return keyText(k) == text;
+    };
+    for (qint64 i = 0; i < m_keys.size(); ++i)
+        if (matches(m_keys[i]))
+            return i;
+    if (m_exhausted)
+        return -1;
+    // One query tells whether reading on can find it at all.
+    const qint64 inSet = m_db.scalar(QStringLiteral("select count(*) from (%1) where %2 = ?")
+                                         .arg(withoutOrder(m_sql), quoteName(m_fields[m_keyColumn].name)),
+                                     m_params + QVariantList{key})
+                             .toLongLong();
+    if (inSet == 0)
+        return -1;
+    // Long steps: only the last rows of each step are built whole and cached.
+    constexpr qint64 Step = 16 * qint64(MaxBlocks) * BlockSize;
+    while (!m_exhausted) {
+        const qint64 from = m_keys.size();
+        fetchUpTo(from + Step);
+        for (qint64 i = from; i < m_keys.size(); ++i)
+            if (matches(m_keys[i]))
+                return i;
+    }
+    return -1;
 }
 
 void Recordset::Requery()

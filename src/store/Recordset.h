@@ -23,6 +23,10 @@ namespace store {
 //
 // Edits are written to the base table of the set (the table of its first
 // column) by its primary key, so rows of a view update the table beneath.
+// Where a query's final ORDER BY clause begins (outside parentheses, quotes and
+// brackets), or -1 when it has none.
+int orderByPosition(const QString &sql);
+
 class Recordset {
 public:
     enum class EditMode { None, Edit, AddNew };
@@ -55,6 +59,18 @@ public:
     bool FindFirst(const std::function<bool(const Recordset &)> &test);
     bool FindFirst(const QString &field, const QVariant &value);
     void Requery();
+
+    // Reading for lists, which must not disturb the current row.
+    qint64 rowsRead() const { return m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size(); }
+    bool fullyRead() const { return m_exhausted; }
+    // Reads forward until row `pos` is read, without moving; false if the set ends first.
+    bool readTo(qint64 pos) { return pos < 0 || fetchUpTo(pos); }
+    // Runs `look` with the set standing on row `pos` as a plain, unedited row, then
+    // puts back the current row, the edit and its buffer; false if there is no such row.
+    bool peek(qint64 pos, const std::function<void(const Recordset &)> &look);
+    // Position of the row with this key, reading forward (keys only) as far as it
+    // lies; -1 when the set holds no such row, told by one query before any reading.
+    qint64 positionOfKey(const QVariant &key);
 
     // Values of the current row (or of the edit buffer while editing), as program
     // values: Currency, QDateTime, bool, qint64, double, QString; Null is an invalid QVariant.

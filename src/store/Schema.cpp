@@ -38,6 +38,7 @@ CREATE TABLE Movimentazioni (
   IdUtenteOut LONG
 );
 CREATE INDEX Movimentazioni_AnnoProgressivo ON Movimentazioni (Anno, Progressivo);
+CREATE INDEX Movimentazioni_Anno ON Movimentazioni (Anno);
 CREATE INDEX Movimentazioni_Stato ON Movimentazioni (Entrato, Annullato, Contabilizzato);
 CREATE INDEX Movimentazioni_Targa ON Movimentazioni (Targa);
 CREATE INDEX Movimentazioni_DataOra ON Movimentazioni (DataOra);

@@ -52,7 +52,7 @@ QCategoryAxis *bucketAxis(const QStringList &categories, int room)
     return axis;
 }
 
-QValueAxis *valueAxis(const QVector<ChartSpec::Series> &series)
+QValueAxis *valueAxis(const QVector<ChartDefinition::Series> &series)
 {
     double lo = 0, hi = 0;
     bool whole = true;
@@ -77,7 +77,7 @@ QValueAxis *valueAxis(const QVector<ChartSpec::Series> &series)
 
 } // namespace
 
-void renderChart(QPainter &painter, const QRectF &target, double dotsPerMm, const ChartSpec &spec)
+void renderChart(QPainter &painter, const QRectF &target, double dotsPerMm, const ChartDefinition &definition)
 {
     const QSizeF size(target.width() / dotsPerMm * ScenePerMm, target.height() / dotsPerMm * ScenePerMm);
     auto *chart = new QChart;
@@ -86,32 +86,32 @@ void renderChart(QPainter &painter, const QRectF &target, double dotsPerMm, cons
     chart->setBackgroundRoundness(0);
     chart->setBackgroundPen(QPen(QColor(0xbb, 0xbb, 0xbb), 0.8));
     chart->setMargins(QMargins(4, 4, 4, 4));
-    const QString title = spec.texts.value(0);
-    const QString subtitle = spec.texts.value(1);
+    const QString title = definition.texts.value(0);
+    const QString subtitle = definition.texts.value(1);
     chart->setTitle(subtitle.isEmpty() ? title : title + QLatin1Char('\n') + subtitle);
     chart->setTitleFont(pixelFont(13, true));
-    chart->legend()->setVisible(spec.series.size() > 1);
+    chart->legend()->setVisible(definition.series.size() > 1);
     chart->legend()->setFont(pixelFont(9));
     chart->legend()->setAlignment(Qt::AlignBottom);
 
-    const bool horizontal = spec.type == QLatin1String("hbar");
-    const bool line = spec.type == QLatin1String("line");
+    const bool horizontal = definition.type == QLatin1String("hbar");
+    const bool line = definition.type == QLatin1String("line");
     // Room for a caption: a line of text down the side, a date across the bottom.
-    QCategoryAxis *buckets = bucketAxis(spec.categories, int((horizontal ? size.height() : size.width()) / (horizontal ? 13 : 42)));
-    QValueAxis *values = valueAxis(spec.series);
+    QCategoryAxis *buckets = bucketAxis(definition.categories, int((horizontal ? size.height() : size.width()) / (horizontal ? 13 : 42)));
+    QValueAxis *values = valueAxis(definition.series);
     chart->addAxis(buckets, horizontal ? Qt::AlignLeft : Qt::AlignBottom);
     chart->addAxis(values, horizontal ? Qt::AlignBottom : Qt::AlignLeft);
     // The x axis title runs along the bottom, the y axis title up the side, whatever they hold.
-    (horizontal ? values : static_cast<QAbstractAxis *>(buckets))->setTitleText(spec.texts.value(5));
-    (horizontal ? static_cast<QAbstractAxis *>(buckets) : values)->setTitleText(spec.texts.value(6));
+    (horizontal ? values : static_cast<QAbstractAxis *>(buckets))->setTitleText(definition.texts.value(5));
+    (horizontal ? static_cast<QAbstractAxis *>(buckets) : values)->setTitleText(definition.texts.value(6));
     if (horizontal)
         buckets->setReverse(true); // the first bucket on top, as a list reads
 
     if (line) {
-        for (int s = 0; s < spec.series.size(); ++s) {
+        for (int s = 0; s < definition.series.size(); ++s) {
             auto *ls = new QLineSeries;
-            ls->setName(spec.series.at(s).label);
-            const QVector<double> &v = spec.series.at(s).values;
+            ls->setName(definition.series.at(s).label);
+            const QVector<double> &v = definition.series.at(s).values;
             for (int i = 0; i < v.size(); ++i)
                 ls->append(i, v.at(i));
             ls->setPen(QPen(Palette[s % 4], 1.6));
@@ -122,13 +122,13 @@ void renderChart(QPainter &painter, const QRectF &target, double dotsPerMm, cons
     } else {
         QAbstractBarSeries *bars = horizontal ? static_cast<QAbstractBarSeries *>(new QHorizontalBarSeries)
                                               : static_cast<QAbstractBarSeries *>(new QBarSeries);
-        bars->setBarWidth(spec.categories.size() > 60 ? 1.0 : 0.7);
-        for (int s = 0; s < spec.series.size(); ++s) {
-            auto *set = new QBarSet(spec.series.at(s).label);
-            for (double v : spec.series.at(s).values)
+        bars->setBarWidth(definition.categories.size() > 60 ? 1.0 : 0.7);
+        for (int s = 0; s < definition.series.size(); ++s) {
+            auto *set = new QBarSet(definition.series.at(s).label);
+            for (double v : definition.series.at(s).values)
                 set->append(v);
             set->setColor(Palette[s % 4]);
-            set->setBorderColor(spec.categories.size() > 60 ? Palette[s % 4] : Palette[s % 4].darker(130));
+            set->setBorderColor(definition.categories.size() > 60 ? Palette[s % 4] : Palette[s % 4].darker(130));
             bars->append(set);
         }
         chart->addSeries(bars);

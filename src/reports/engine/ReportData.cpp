@@ -360,12 +360,12 @@ void ReportRun::compileFormulas(const RunSettings &settings)
                               tpl::Interval::None};
 }
 
-QFont ReportRun::fontFor(const tpl::FontSpec &spec) const
+QFont ReportRun::fontFor(const tpl::FontDefinition &definition) const
 {
-    QFont f(spec.family.isEmpty() ? m_t.font.family : spec.family);
-    f.setPointSizeF(spec.size > 0 ? spec.size : m_t.font.size);
-    f.setBold(spec.bold >= 0 ? spec.bold == 1 : m_t.font.bold == 1);
-    f.setItalic(spec.italic >= 0 ? spec.italic == 1 : m_t.font.italic == 1);
+    QFont f(definition.family.isEmpty() ? m_t.font.family : definition.family);
+    f.setPointSizeF(definition.size > 0 ? definition.size : m_t.font.size);
+    f.setBold(definition.bold >= 0 ? definition.bold == 1 : m_t.font.bold == 1);
+    f.setItalic(definition.italic >= 0 ? definition.italic == 1 : m_t.font.italic == 1);
     return f;
 }
 

@@ -332,20 +332,20 @@ void ReportRun::draw(const CSection &s, const Row &row, double top)
             }
             if (!p)
                 break;
-            ChartSpec spec;
-            spec.type = it.graphType;
-            spec.texts = g.texts;
-            spec.series.resize(it.series.size());
+            ChartDefinition definition;
+            definition.type = it.graphType;
+            definition.texts = g.texts;
+            definition.series.resize(it.series.size());
             for (int si = 0; si < it.series.size(); ++si)
-                spec.series[si].label = it.series.at(si).label;
+                definition.series[si].label = it.series.at(si).label;
             for (const auto &[bucket, accs] : data.buckets) {
-                spec.categories << bucketCaption(bucket, it.interval);
+                definition.categories << bucketCaption(bucket, it.interval);
                 for (int si = 0; si < it.series.size(); ++si) {
                     const Valore v = si < accs.size() ? accs.at(si).result(it.series.at(si).function) : Valore();
-                    spec.series[si].values << (v.isNumero() ? v.numero() : 0.0);
+                    definition.series[si].values << (v.isNumero() ? v.numero() : 0.0);
                 }
             }
-            renderChart(*p, r, m_dotsPerMm, spec);
+            renderChart(*p, r, m_dotsPerMm, definition);
             break;
         }
         }

@@ -159,7 +159,7 @@ private:
     void compileFormulas(const RunSettings &settings);
     void compileSections();
     CItem compileItem(const tpl::Item &item, const tpl::Section &section);
-    QFont fontFor(const tpl::FontSpec &spec) const;
+    QFont fontFor(const tpl::FontDefinition &definition) const;
     void applyGraphTexts(const QStringList &texts);
     QString pushdown(const QString &selection, QVariantList &params) const;
     Valore convert(store::FieldKind kind, sqlite3_stmt *stmt, int column) const;

@@ -142,9 +142,9 @@ private:
         skip();
     }
 
-    FontSpec readFont()
+    FontDefinition readFont()
     {
-        FontSpec f;
+        FontDefinition f;
         f.family = attr(QStringLiteral("font"));
         if (has(QStringLiteral("size"))) {
             f.size = number(QStringLiteral("size"), 9);
@@ -158,11 +158,11 @@ private:
         return f;
     }
 
-    void readFontElement(FontSpec &into)
+    void readFontElement(FontDefinition &into)
     {
         if (has(QStringLiteral("family")))
             into.family = attr(QStringLiteral("family"));
-        const FontSpec f = readFont();
+        const FontDefinition f = readFont();
         if (f.size > 0)
             into.size = f.size;
         if (f.bold >= 0)

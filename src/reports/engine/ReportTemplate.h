@@ -32,7 +32,7 @@ enum class Format { Auto, Text, Date, DateTime, Time, Money, Number, Integer, Bo
 // How a date-time key is cut into buckets for groups and graphs.
 enum class Interval { None, Day, Month, Year, Hour, HourOfDay };
 
-struct FontSpec {
+struct FontDefinition {
     QString family;
     double size = 0;   // points; 0 = inherit
     int bold = -1;     // -1 inherit, 0 no, 1 yes
@@ -52,7 +52,7 @@ struct Item {
     int line = 0;               // line of the template, for messages
     QString name;               // optional, to find a laid-out value
     QRectF rect;                // x, y, width, height (mm, from the section's top left)
-    FontSpec font;
+    FontDefinition font;
     Qt::Alignment align = Qt::AlignLeft | Qt::AlignVCenter;
     QColor color = Qt::black;
     QColor fill;                // boxes and fields; invalid = none
@@ -141,7 +141,7 @@ struct Template {
     double pageWidth = 210, pageHeight = 297;
     bool landscape = false;
     double marginLeft = 10, marginRight = 10, marginTop = 10, marginBottom = 10;
-    FontSpec font{QStringLiteral("DejaVu Sans"), 9, 0, 0};
+    FontDefinition font{QStringLiteral("DejaVu Sans"), 9, 0, 0};
 
     QString source;
     bool nullsAsDefault = false; // empty numbers read 0, empty texts '', empty yes/no false

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// bench_list [PATH]: the movement list of a million rows in a grid: time to the
+// first painted screen of 40 rows, jumps to the middle and to the end, and the
+// resident memory, on the database at PATH (written first when missing).
+#include "Generator.h"
+
+#include <Connections.h>
+#include <Database.h>
+#include <DbError.h>
+#include <PublicState.h>
+#include <RecordsetModel.h>
+#include <Routines.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QTableView>
+#include <QTextStream>
+#include <QWindow>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr int RigheSchermo = 40;
+
+double rssMb()
+{
+    QFile f(QStringLiteral("/proc/self/status"));
+    if (!f.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &riga : f.readAll().split('\n'))
+        if (riga.startsWith("VmRSS:"))
+            return riga.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
+    return -1;
+}
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+// A grid as the parking window shows it: the movement colours, 40 rows high.
+struct Griglia {
+    std::unique_ptr<forms::RecordsetModel> model;
+    std::unique_ptr<QTableView> view;
+};
+
+Griglia apri(const QString &sql)
+{
+    Griglia g;
+    g.model = std::make_unique<forms::RecordsetModel>(frame::basedati(), sql);
+    g.model->impostaColori(forms::sfondoMovimento, forms::testoMovimento);
+    g.view = std::make_unique<QTableView>();
+    g.view->setModel(g.model.get());
+    const int alta = g.view->verticalHeader()->defaultSectionSize();
+    g.view->resize(1200, g.view->horizontalHeader()->sizeHint().height() + RigheSchermo * alta + 2 * g.view->frameWidth() + 20);
+    g.view->show();
+    // Waits for the window to be exposed, as a test would, without linking the test library.
+    QElapsedTimer attesa;
+    attesa.start();
+    while (!(g.view->windowHandle() && g.view->windowHandle()->isExposed()) && attesa.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    if (!g.view->windowHandle() || !g.view->windowHandle()->isExposed())
+        throw store::DbError(0, QStringLiteral("the grid was never shown"));
+    g.view->grab(); // paints every visible row, reading its cells
+    return g;
+}
+
+int righeVisibili(QTableView &v)
+{
+    const int ultima = v.rowAt(v.viewport()->height() - 1);
+    return (ultima < 0 ? v.model()->rowCount() - 1 : ultima) - v.rowAt(0) + 1;
+}
+
+template <typename F>
+double timed(F &&f)
+{
+    QElapsedTimer t;
+    t.start();
+    f();
+    return t.nsecsElapsed() / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QTextStream out(stdout);
+    const QString path = argc > 1 ? QString::fromLocal8Bit(argv[1])
+                                  : QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../bench-data/basedati.mdb"));
+    try {
+        if (!QFileInfo::exists(path)) {
+            QDir().mkpath(QFileInfo(path).path());
+            out << "writing " << path << " (1,000,000 movements)..." << Qt::endl;
+            bench::GeneraBasedati(path, bench::Volume{});
+        }
+        auto &p = frame::pub();
+        p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
+        p.Pathdata = QFileInfo(path).absoluteFilePath();
+        store::Database &db = frame::basedati(); // the program keeps its connection open
+        const qint64 movimenti = db.scalar(QStringLiteral("select count(*) from Movimentazioni")).toLongLong();
+        const QString tutti = QStringLiteral("select * from Q_Movimentazioni_Utenti order by id desc");
+        const QString dentro = QStringLiteral("select * from Q_Movimentazioni_Utenti where entrato=-1 and Annullato=0 order by id desc");
+        out << "database " << path << ": " << movimenti << " movements, RSS " << rssMb() << " MB" << Qt::endl;
+
+        std::vector<double> countMs;
+        for (int i = 0; i < 3; ++i)
+            countMs.push_back(timed([&] { db.scalar(QStringLiteral("select count(*) from (select * from Q_Movimentazioni_Utenti)")); }));
+        out << "count(*) over the view (what a counted rowCount would cost): median " << median(countMs) << " ms" << Qt::endl;
+
+        for (const QString &sql : {tutti, dentro}) {
+            std::vector<double> ms;
+            int visibili = 0;
+            for (int i = 0; i < 7; ++i) {
+                Griglia g;
+                ms.push_back(timed([&] { g = apri(sql); }));
+                visibili = righeVisibili(*g.view);
+            }
+            out << "first screen (" << visibili << " rows painted) of \"" << sql << "\": first " << ms.front()
+                << " ms, median " << median(ms) << " ms" << Qt::endl;
+        }
+
+        Griglia g = apri(tutti);
+        out << "RSS with the full list open: " << rssMb() << " MB (rows read " << g.model->righeLette() << ")" << Qt::endl;
+        qint64 totale = 0;
+        const double conta = timed([&] {
+        totale = g.model->caricaTutto();
+        QCoreApplication::processEvents(); // the view takes the new row count
+    });
+        const double mezzo = timed([&] {
+            g.view->scrollTo(g.model->index(int(totale / 2), 0), QAbstractItemView::PositionAtTop);
+            g.view->grab();
+        });
+        out << "count on a jump: " << conta << " ms (" << totale << " rows); scroll to the middle: " << mezzo
+            << " ms (top row " << g.view->rowAt(0) << ")" << Qt::endl;
+        const double fine = timed([&] {
+            g.view->scrollToBottom();
+            g.view->grab();
+        });
+        const QString ultimo = g.model->data(g.model->index(int(totale - 1), g.model->colonna(QStringLiteral("id")))).toString();
+        const QString minimo = db.scalar(QStringLiteral("select min(id) from Movimentazioni")).toString();
+        out << "scroll to the end: " << fine << " ms (top row " << g.view->rowAt(0) << "); last row id " << ultimo << (ultimo == minimo ? " (right)" : " (WRONG)")
+            << "; RSS " << rssMb() << " MB" << Qt::endl;
+        const double inizio = timed([&] {
+            g.view->scrollToTop();
+            g.view->grab();
+        });
+        out << "back to the top: " << inizio << " ms; RSS " << rssMb() << " MB" << Qt::endl;
+
+        const QVariant chiave = db.scalar(QStringLiteral("select id from Movimentazioni order by id desc limit 1 offset 750000"));
+        Griglia h = apri(tutti);
+        int riga = -1;
+        const double pos = timed([&] { riga = h.model->posizione(chiave); });
+        out << "posizione of a key at row 750000: " << pos << " ms (row " << riga << ")" << Qt::endl;
+        if (ultimo != minimo || riga != 750000)
+            return 1;
+    } catch (const store::DbError &e) {
+        out << "error: " << e.what() << Qt::endl;
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include <Recordset.h>
+
+#include <QAbstractTableModel>
+#include <QHash>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+
+namespace forms {
+
+// A list of records for a grid: a table model over a recordset of its own.
+//
+// Rows come to the view a page at a time (canFetchMore / fetchMore), read
+// forward by the recordset, whose block cache keeps memory flat. Counting a
+// million rows costs a pass over the whole table (well over 100 ms on an
+// encrypted file), so the count runs only when asked, by caricaTutto(): a jump
+// to the end, or a window that must show the total.
+class RecordsetModel final : public QAbstractTableModel {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(RecordsetModel)
+
+public:
+    // A colour for a row (a QColor or QBrush), or an invalid QVariant for the default.
+    using FunzioneColore = std::function<QVariant(const store::Recordset &)>;
+    enum class SiNo { Spunta, Parola };
+    static constexpr int Pagina = 256; // rows added to the view per fetch: one block of the recordset
+
+    // Qt::UserRole gives a cell's program value (QDateTime, store::Currency, bool, ...),
+    // and, on the horizontal header, the field name of the column.
+    static constexpr int RuoloValore = Qt::UserRole;
+
+    RecordsetModel(store::Database &db, const QString &sql, const QVariantList &params = {}, QObject *parent = nullptr);
+    ~RecordsetModel() override;
+
+    // Opens the list on another query; captions, hidden fields, formats and colours stay.
+    void riapri(const QString &sql, const QVariantList &params = {});
+    // Reads the same query again.
+    void aggiorna();
+    store::Recordset &recordset() { return *m_rs; }
+    const QString &sql() const { return m_sql; }
+    // The query as it was given, before any sort by the user.
+    const QString &sqlBase() const { return m_sqlBase; }
+
+    // Captions of the visible columns in their order; missing ones keep the field name.
+    void impostaIntestazioni(const QStringList &didascalie);
+    void impostaIntestazione(const QString &campo, const QString &didascalia);
+    // The fields shown, in this order; an empty list shows every field of the query.
+    void impostaColonne(const QStringList &campi);
+    QString campo(int colonna) const;
+    int colonna(const QString &campo) const; // -1 when the field is not shown
+    // A Qt date-time format for a date field, instead of the program's date format.
+    void impostaFormato(const QString &campo, const QString &formato);
+    void impostaSiNo(SiNo modo, const QString &si = QString(), const QString &no = QString());
+    void impostaColori(FunzioneColore sfondo, FunzioneColore testo = {});
+
+    // Sorts by the field of a column, as a click on its heading does: the query
+    // is opened again with the same condition and "order by" that field.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    // Sorts by a field name, or by an order text ("Cognome, Nome desc"); an empty
+    // text goes back to the order of the given query.
+    void ordina(const QString &campo, bool discendente);
+    void impostaOrdine(const QString &ordine);
+    const QString &ordine() const { return m_ordine; }
+
+    // Row of the record with this key, or -1; the rows up to it are made known to the view.
+    int posizione(const QVariant &chiave);
+    QVariant chiave(int riga) const;
+    // Counts the set and makes every row known to the view (the rows are still read on demand).
+    qint64 caricaTutto();
+    bool conteggioCompleto() const { return m_completo; }
+    // Rows the recordset has read from the database so far.
+    qint64 righeLette() const { return m_rs->rowsRead(); }
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    bool canFetchMore(const QModelIndex &parent = QModelIndex()) const override;
+    void fetchMore(const QModelIndex &parent = QModelIndex()) override;
+
+    // The field name as SQL writes it: bare when plain, else in [brackets].
+    static QString nomeSQL(const QString &campo);
+    // The query with its final order clause replaced by `ordine` (removed when empty).
+    static QString conOrdine(const QString &sql, const QString &ordine);
+
+private:
+    void apri(const QString &sql, const QVariantList &params);
+    void primaPagina();
+    void ricalcolaColonne();
+    QVariant testo(const store::FieldInfo &f, const QVariant &valore) const;
+
+    store::Database &m_db;
+    QString m_sqlBase;
+    QString m_sql;
+    QVariantList m_params;
+    QString m_ordine;
+    std::unique_ptr<store::Recordset> m_rs;
+    int m_righe = 0;          // rows the view knows of
+    bool m_completo = false;  // the view knows every row
+    QStringList m_campiScelti;
+    QVector<int> m_colonne;   // field index of each visible column
+    QStringList m_didascalie; // by visible column
+    QHash<QString, QString> m_didascaliePerCampo; // folded field name -> caption
+    QHash<QString, QString> m_formati;            // folded field name -> format
+    SiNo m_siNo = SiNo::Spunta;
+    QString m_si, m_no;
+    FunzioneColore m_sfondo, m_testo;
+};
+
+// The colours of the movement lists: a cancelled row grey with light text, a
+// vehicle inside green, a vehicle out yellow.
+QVariant sfondoMovimento(const store::Recordset &rs);
+QVariant testoMovimento(const store::Recordset &rs);
+
+} // namespace forms

@@ -1,0 +1,347 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <Correzione.h>
+#include <Database.h>
+#include <Language.h>
+#include <PublicState.h>
+#include <Recordset.h>
+#include <Ricerca.h>
+#include <Routines.h>
+
+#include <ScriptedPrompter.h>
+#include <TestDatabase.h>
+
+#include <QtTest>
+
+#include <memory>
+
+using frame::Prompter;
+using frame::pub;
+using parking::FuocoRicerca;
+using parking::OpzioneElenco;
+using parking::PannelloRicerca;
+
+Q_DECLARE_METATYPE(OpzioneElenco)
+Q_DECLARE_METATYPE(FuocoRicerca)
+
+namespace {
+
+// One movement: year, number, entry, plate, inside, cancelled, posted.
+struct Riga {
+    const char *anno;
+    int progressivo;
+    const char *dataora;
+    QString targa;
+    bool entrato, annullato, contabilizzato;
+};
+
+// Every state, two years out of id order, and plates that look like patterns.
+const QList<Riga> Righe = {
+    {"2025", 7, "2025-12-30 10:00:00", QStringLiteral("AB123CD"), false, false, true},  // 1 posted
+    {"2026", 1, "2026-03-10 08:00:00", QStringLiteral("AB999ZZ"), true, false, false},  // 2 inside
+    {"2026", 2, "2026-03-10 09:30:00", QStringLiteral("ab555xx"), false, false, false}, // 3 out, to be posted
+    {"2026", 3, "2026-03-10 23:59:59", QStringLiteral("O'HARA1"), true, true, false},   // 4 cancelled inside
+    {"2026", 4, "2026-03-11 00:00:00", QStringLiteral("ÀB777CD"), true, false, false},  // 5 inside, next midnight
+    {"2026", 5, "2026-03-11 12:00:00", QStringLiteral("50%_OFF"), false, true, false},  // 6 cancelled out
+    {"2026", 6, "2026-03-12 12:00:00", QStringLiteral("X_Y\\Z12"), true, false, false}, // 7 inside
+    {"2025", 1, "2025-01-05 09:00:00", QStringLiteral("AB100AA"), false, false, true},  // 8 posted
+    {"2026", 7, "2026-03-12 13:00:00", QStringLiteral("ZZ[1]#*"), false, false, false}, // 9 out
+    {"2026", 8, "2026-03-12 14:00:00", QStringLiteral("ZZ@1~`{"), false, false, false}, // 10 out
+    {"2026", 9, "2026-03-12 15:00:00", QStringLiteral("zz~1"), false, false, false},    // 11 out
+    {"2026", 10, "2026-03-12 16:00:00", QStringLiteral("AC000AA"), false, false, false}, // 12 out
+};
+
+using Ids = QList<qint64>;
+
+} // namespace
+
+class TestRicerca : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestDatabase> m_db;
+
+    store::Database &db() { return frame::basedati(); }
+
+    // The rows of a list source, in its order.
+    Ids righe(const parking::SorgenteElenco &s)
+    {
+        store::Recordset rs(db(), s.sql, s.parametri);
+        Ids ids;
+        for (rs.MoveFirst(); !rs.isEmpty() && !rs.eof(); rs.MoveNext())
+            ids << rs.key().toLongLong();
+        return ids;
+    }
+    PannelloRicerca pannello(const QString &numero, const QString &anno, const QString &targa, const QString &data,
+                             OpzioneElenco opzione = OpzioneElenco::Tutti)
+    {
+        PannelloRicerca p;
+        p.TxtProg = numero;
+        p.anno = anno;
+        p.targa = targa;
+        p.data = data;
+        p.opzione = opzione;
+        return p;
+    }
+
+private slots:
+    void init()
+    {
+        m_db = std::make_unique<TestDatabase>();
+        pub().FormatoData = QStringLiteral("dd/mm/yyyy");
+        for (const Riga &r : Righe)
+            db().execute(QStringLiteral("insert into Movimentazioni (Anno, Progressivo, DataOra, Targa, IdFascia, Entrato, "
+                                        "Annullato, Contabilizzato, IdUtente) values (?, ?, ?, ?, '01', ?, ?, ?, 1)"),
+                         {QString::fromLatin1(r.anno), r.progressivo, QString::fromLatin1(r.dataora), r.targa,
+                          r.entrato ? -1 : 0, r.annullato ? -1 : 0, r.contabilizzato ? -1 : 0});
+    }
+    void cleanup() { m_db.reset(); }
+
+    void initialSourceIsEmpty() { QCOMPARE(righe(parking::SorgenteIniziale()), Ids{}); }
+
+    void lists_data()
+    {
+        QTest::addColumn<OpzioneElenco>("opzione");
+        QTest::addColumn<QDate>("giorno");
+        QTest::addColumn<Ids>("attese");
+        QTest::newRow("all, by year then id") << OpzioneElenco::Tutti << QDate() << Ids{1, 8, 2, 3, 4, 5, 6, 7, 9, 10, 11, 12};
+        QTest::newRow("inside, cancelled too") << OpzioneElenco::Dentro << QDate() << Ids{2, 4, 5, 7};
+        QTest::newRow("out") << OpzioneElenco::Usciti << QDate() << Ids{1, 8, 3, 6, 9, 10, 11, 12};
+        QTest::newRow("all of a day, not the next midnight") << OpzioneElenco::Tutti << QDate(2026, 3, 10) << Ids{2, 3, 4};
+        QTest::newRow("inside of a day") << OpzioneElenco::Dentro << QDate(2026, 3, 10) << Ids{2, 4};
+        QTest::newRow("out of a day") << OpzioneElenco::Usciti << QDate(2026, 3, 11) << Ids{6};
+        QTest::newRow("midnight opens its day") << OpzioneElenco::Dentro << QDate(2026, 3, 11) << Ids{5};
+        QTest::newRow("empty day") << OpzioneElenco::Tutti << QDate(2020, 1, 1) << Ids{};
+    }
+    void lists()
+    {
+        QFETCH(OpzioneElenco, opzione);
+        QFETCH(QDate, giorno);
+        QFETCH(Ids, attese);
+        QCOMPARE(righe(parking::ElencoMovimenti(opzione, giorno)), attese);
+    }
+
+    void search_data()
+    {
+        QTest::addColumn<QString>("numero");
+        QTest::addColumn<QString>("anno");
+        QTest::addColumn<QString>("targa");
+        QTest::addColumn<QString>("data");
+        QTest::addColumn<OpzioneElenco>("opzione");
+        QTest::addColumn<qint64>("chiave"); // 0: stays on the first row; -1: none
+        QTest::addColumn<QString>("messaggio");
+        QTest::addColumn<FuocoRicerca>("fuoco");
+        const auto tutti = OpzioneElenco::Tutti, dentro = OpzioneElenco::Dentro;
+        const auto G = FuocoRicerca::Griglia, P = FuocoRicerca::Progressivo, D = FuocoRicerca::Data;
+        const QString nf = QStringLiteral("M0077"), bad = QStringLiteral("M0008");
+        QTest::newRow("number and year") << "3" << "2026" << "" << "" << tutti << qint64(4) << "" << G;
+        QTest::newRow("number, other year") << "1" << "2025" << "" << "" << tutti << qint64(8) << "" << G;
+        QTest::newRow("number in two years: first by year") << "7" << "" << "" << "" << tutti << qint64(1) << "" << G;
+        QTest::newRow("number not found") << "99" << "2026" << "" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("number outside the option") << "2" << "2026" << "" << "" << dentro << qint64(-1) << nf << P;
+        QTest::newRow("number blanks trimmed") << "  3 " << " 2026 " << "" << "" << tutti << qint64(4) << "" << G;
+        QTest::newRow("year only") << "" << "2026" << "" << "" << tutti << qint64(2) << "" << G;
+        QTest::newRow("nothing typed") << "" << "" << "" << "" << tutti << qint64(0) << "" << G;
+        QTest::newRow("plate, several: first by year") << "" << "" << "ab" << "" << tutti << qint64(1) << "" << G;
+        QTest::newRow("plate and year") << "" << "2026" << "AB" << "" << tutti << qint64(2) << "" << G;
+        QTest::newRow("plate, case blind") << "" << "" << "AB5" << "" << tutti << qint64(3) << "" << G;
+        QTest::newRow("plate of a vehicle out, inside chosen") << "" << "" << "ab5" << "" << dentro << qint64(-1) << nf << P;
+        QTest::newRow("plate from its first character only") << "" << "" << "123" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("plate prefix stops at its bound") << "" << "" << "AC" << "" << tutti << qint64(12) << "" << G;
+        QTest::newRow("day and number") << "3" << "2026" << "" << "10/03/2026" << tutti << qint64(4) << "" << G;
+        QTest::newRow("day excludes next midnight") << "4" << "2026" << "" << "10/03/2026" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("day only") << "" << "" << "" << "11/03/2026" << tutti << qint64(0) << "" << G;
+        QTest::newRow("day in ISO") << "" << "" << "ab" << "2026-03-10" << tutti << qint64(2) << "" << G;
+        QTest::newRow("day two-digit year") << "" << "" << "O'" << "10/3/26" << dentro << qint64(4) << "" << G;
+        QTest::newRow("empty day") << "" << "" << "" << "01/01/2020" << tutti << qint64(-1) << nf << P;
+        // Nasty input: a message or a clean miss, never an error nor a wrong row.
+        QTest::newRow("accented plate") << "" << "" << "àb" << "" << tutti << qint64(5) << "" << G;
+        QTest::newRow("accented plate, capitals") << "" << "" << "ÀB7" << "" << tutti << qint64(5) << "" << G;
+        QTest::newRow("quote") << "" << "" << "O'H" << "" << tutti << qint64(4) << "" << G;
+        QTest::newRow("percent is literal") << "" << "" << "%" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("percent in a plate") << "" << "" << "50%_" << "" << tutti << qint64(6) << "" << G;
+        QTest::newRow("underscore is literal") << "" << "" << "_" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("underscore in a plate") << "" << "" << "x_y" << "" << tutti << qint64(7) << "" << G;
+        QTest::newRow("escape character") << "" << "" << "X_Y\\Z" << "" << tutti << qint64(7) << "" << G;
+        QTest::newRow("star") << "" << "" << "*" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("bracket and hash") << "" << "" << "ZZ[1]#*" << "" << tutti << qint64(9) << "" << G;
+        QTest::newRow("bracket alone") << "" << "" << "[" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("hash alone") << "" << "" << "#" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("ascii beyond letters") << "" << "" << "zz@1~`" << "" << tutti << qint64(10) << "" << G;
+        QTest::newRow("tilde last") << "" << "" << "ZZ~" << "" << tutti << qint64(11) << "" << G;
+        QTest::newRow("10,000 characters") << "" << "" << QString(10000, QLatin1Char('A')) << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("10,000 accents") << "" << "" << QString(10000, QChar(0xE0)) << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("number with letters") << "12abc" << "2026" << "" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("number with SQL") << "1 or 1=1" << "2026" << "" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("number too big") << QString(40, QLatin1Char('9')) << "" << "" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("year with SQL") << "1" << "2026' or '1'='1" << "" << "" << tutti << qint64(-1) << nf << P;
+        QTest::newRow("not a date") << "3" << "2026" << "" << "tomorrow" << tutti << qint64(-1) << bad << D;
+        QTest::newRow("impossible date") << "" << "" << "" << "31/02/2026" << tutti << qint64(-1) << bad << D;
+        QTest::newRow("date with quote") << "" << "" << "" << "10/03/2026'" << tutti << qint64(-1) << bad << D;
+    }
+    void search()
+    {
+        QFETCH(QString, numero);
+        QFETCH(QString, anno);
+        QFETCH(QString, targa);
+        QFETCH(QString, data);
+        QFETCH(OpzioneElenco, opzione);
+        QFETCH(qint64, chiave);
+        QFETCH(QString, messaggio);
+        QFETCH(FuocoRicerca, fuoco);
+        PannelloRicerca p = pannello(numero, anno, targa, data, opzione);
+        ScriptedPrompter prompter;
+        const parking::EsitoRicerca e = parking::RicercaRapida(p, true, prompter);
+
+        QCOMPARE(e.fuoco, fuoco);
+        if (messaggio.isEmpty()) {
+            QVERIFY(prompter.messages.isEmpty());
+            QVERIFY(e.messaggio.isEmpty());
+        } else {
+            QCOMPARE(prompter.messages.size(), 1);
+            QCOMPARE(prompter.messages[0].text, frame::TestoLingua(messaggio.toLatin1().constData()));
+            QCOMPARE(prompter.messages[0].icon, messaggio == QLatin1String("M0008") ? Prompter::Icon::Exclamation
+                                                                                    : Prompter::Icon::Information);
+            QCOMPARE(e.messaggio, prompter.messages[0].text);
+        }
+        if (messaggio == QLatin1String("M0008")) {
+            QVERIFY(!e.eseguita);
+            QVERIFY(e.elenco.sql.isEmpty());
+            return;
+        }
+        QVERIFY(e.eseguita);
+        QCOMPARE(e.contaRecord, fuoco == FuocoRicerca::Griglia);
+        QCOMPARE(e.chiave.isValid() ? e.chiave.toLongLong() : (chiave == 0 ? 0 : -1), chiave);
+        // The found row stands in the list and the window can make it current.
+        store::Recordset rs(db(), e.elenco.sql, e.elenco.parametri);
+        QCOMPARE(rs.isEmpty(), e.vuoto);
+        if (chiave > 0) {
+            QVERIFY(parking::PosizionaSu(rs, e.chiave));
+            QCOMPARE(rs.key().toLongLong(), chiave);
+        }
+    }
+
+    void boxesAreTrimmedInPlace()
+    {
+        PannelloRicerca p = pannello(QStringLiteral(" 3\t"), QStringLiteral(" 2026"), QStringLiteral(" ab "), QString());
+        ScriptedPrompter prompter;
+        parking::RicercaRapida(p, true, prompter);
+        QCOMPARE(p.TxtProg, QStringLiteral("3"));
+        QCOMPARE(p.anno, QStringLiteral("2026"));
+        QCOMPARE(p.targa, QStringLiteral("ab"));
+    }
+
+    void noRowWithoutFindShowsM0078()
+    {
+        PannelloRicerca p = pannello(QString(), QString(), QString(), QStringLiteral("01/01/2020"));
+        ScriptedPrompter prompter;
+        const auto e = parking::RicercaRapida(p, false, prompter);
+        QCOMPARE(prompter.messages.size(), 1);
+        QCOMPARE(prompter.messages[0].text, frame::TestoLingua("M0078"));
+        QCOMPARE(e.fuoco, FuocoRicerca::Progressivo);
+        // Without CercaRiga a missed row in a non-empty set is no failure.
+        p = pannello(QStringLiteral("99"), QStringLiteral("2026"), QString(), QString());
+        const auto f = parking::RicercaRapida(p, false, prompter);
+        QCOMPARE(prompter.messages.size(), 1);
+        QCOMPARE(f.fuoco, FuocoRicerca::Griglia);
+        QVERIFY(!f.chiave.isValid());
+    }
+
+    void silentSearchShowsNothing()
+    {
+        PannelloRicerca p = pannello(QStringLiteral("99"), QStringLiteral("2026"), QString(), QStringLiteral("01/01/2020"));
+        p.RicercaSilenziosa = true;
+        ScriptedPrompter prompter;
+        const auto e = parking::RicercaRapida(p, true, prompter);
+        QVERIFY(prompter.messages.isEmpty());
+        QVERIFY(e.messaggio.isEmpty());
+        QCOMPARE(e.fuoco, FuocoRicerca::Progressivo);
+        QVERIFY(e.vuoto);
+    }
+
+    void optionSetsCountLineAndSearchesSilently_data()
+    {
+        QTest::addColumn<OpzioneElenco>("opzione");
+        QTest::addColumn<QString>("riga");
+        QTest::addColumn<Ids>("attese");
+        QTest::newRow("inside") << OpzioneElenco::Dentro << QStringLiteral("Vehicles inside: 3") << Ids{2, 4};
+        QTest::newRow("all") << OpzioneElenco::Tutti << QStringLiteral("All movements") << Ids{2, 3, 4};
+        QTest::newRow("out") << OpzioneElenco::Usciti << QStringLiteral("Vehicles out") << Ids{3};
+    }
+    void optionSetsCountLineAndSearchesSilently()
+    {
+        QFETCH(OpzioneElenco, opzione);
+        QFETCH(QString, riga);
+        QFETCH(Ids, attese);
+        QCOMPARE(frame::TestoLingua("M0299"), QStringLiteral("Vehicles inside")); // the English texts are loaded
+        PannelloRicerca p = pannello(QString(), QStringLiteral("2026"), QString(), QStringLiteral("10/03/2026"));
+        ScriptedPrompter prompter;
+        const auto e = parking::ScegliOpzione(p, opzione, prompter);
+        QCOMPARE(p.opzione, opzione);
+        QCOMPARE(e.LblAuto, riga);
+        QCOMPARE(parking::RigaConteggio(opzione), riga);
+        QCOMPARE(righe(e.ricerca.elenco), attese);
+        QVERIFY(!p.RicercaSilenziosa);
+        // An option that empties the list says nothing either.
+        p.data = QStringLiteral("01/01/2020");
+        const auto vuota = parking::ScegliOpzione(p, opzione, prompter);
+        QVERIFY(vuota.ricerca.vuoto);
+        QVERIFY(prompter.messages.isEmpty());
+        QVERIFY(!p.RicercaSilenziosa);
+    }
+
+    void countLineIsTheRegisterOne()
+    {
+        QCOMPARE(parking::RigaConteggio(OpzioneElenco::Dentro), parking::RigaVeicoliDentro());
+        db().execute(QStringLiteral("update Movimentazioni set Entrato = 0 where id = 2"));
+        QCOMPARE(parking::RigaConteggio(OpzioneElenco::Dentro), QStringLiteral("Vehicles inside: 2"));
+    }
+
+    void refreshKeepsTheDate()
+    {
+        pub().AnnoEsercizio = QStringLiteral("2026");
+        PannelloRicerca p = pannello(QStringLiteral("5"), QStringLiteral("2024"), QStringLiteral("AB"), QStringLiteral("10/03/2026"));
+        parking::AzzeraRicerca(p);
+        QCOMPARE(p.TxtProg, QString());
+        QCOMPARE(p.anno, QStringLiteral("2026"));
+        QCOMPARE(p.targa, QString());
+        QCOMPARE(p.data, QStringLiteral("10/03/2026"));
+    }
+
+    // Every prefix of every plate finds what a plain case-folded comparison
+    // finds, so the index bounds never hide a row.
+    void everyPrefixMatchesBruteForce()
+    {
+        Ids ordine = righe(parking::ElencoMovimenti(OpzioneElenco::Tutti));
+        for (const Riga &r : Righe) {
+            for (int n = 1; n <= r.targa.size(); ++n) {
+                const QString prefisso = n % 2 ? r.targa.left(n).toUpper() : r.targa.left(n).toLower();
+                qint64 attesa = -1;
+                for (qint64 id : std::as_const(ordine))
+                    if (attesa < 0 && Righe[id - 1].targa.toCaseFolded().startsWith(prefisso.toCaseFolded()))
+                        attesa = id;
+                PannelloRicerca p = pannello(QString(), QString(), prefisso, QString());
+                ScriptedPrompter prompter;
+                const auto e = parking::RicercaRapida(p, true, prompter);
+                QVERIFY2(e.chiave.isValid() && e.chiave.toLongLong() == attesa, qPrintable(prefisso));
+            }
+        }
+    }
+
+    void likeEscape()
+    {
+        QCOMPARE(frame::EscapeLike(QStringLiteral("a%b_c\\d'e")), QStringLiteral("a\\%b\\_c\\\\d'e"));
+    }
+
+    void datesInTheUsersOrder()
+    {
+        pub().FormatoData = QStringLiteral("mm/dd/yyyy");
+        QCOMPARE(frame::LeggeData(QStringLiteral("03/10/2026")), std::optional<QDate>(QDate(2026, 3, 10)));
+        QVERIFY(!frame::LeggeData(QStringLiteral("13/10/2026")));
+        QVERIFY(!frame::LeggeData(QStringLiteral("03/10/202")));
+        QVERIFY(!frame::LeggeData(QString(10000, QLatin1Char('1'))));
+        QCOMPARE(frame::LeggeData(QStringLiteral("2026-03-10")), std::optional<QDate>(QDate(2026, 3, 10)));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRicerca)
+#include "tst_ricerca.moc"
