@@ -4,12 +4,29 @@
 #include <Database.h>
 #include <Schema.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QTextStream>
 #include <QFile>
 
 #include <random>
 
 namespace bench {
+
+QString BasedatiGrande(const QString &argomento)
+{
+    const QString path = QFileInfo(argomento.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/../bench-data/basedati.mdb")
+                                                       : argomento)
+                             .absoluteFilePath();
+    if (!QFileInfo::exists(path)) {
+        QDir().mkpath(QFileInfo(path).path());
+        QTextStream(stdout) << "writing " << path << " (1,000,000 movements, 10,000 customers)..." << Qt::endl;
+        GeneraBasedati(path, Volume{});
+    }
+    return path;
+}
 
 void GeneraBasedati(const QString &path, const Volume &v)
 {

@@ -16,4 +16,8 @@ struct Volume {
 // with cash rows. Deterministic: the same volume gives the same file.
 void GeneraBasedati(const QString &path, const Volume &v);
 
+// The path of the benchmarks' database of a million movements: `argomento` when
+// given, else bench-data/basedati.mdb in the build folder. Written first when missing.
+QString BasedatiGrande(const QString &argomento);
+
 } // namespace bench

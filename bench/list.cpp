@@ -3,6 +3,7 @@
 // first painted screen of 40 rows, jumps to the middle and to the end, and the
 // resident memory, on the database at PATH (written first when missing).
 #include "Generator.h"
+#include "Misure.h"
 
 #include <Connections.h>
 #include <Database.h>
@@ -28,23 +29,6 @@
 namespace {
 
 constexpr int RigheSchermo = 40;
-
-double rssMb()
-{
-    QFile f(QStringLiteral("/proc/self/status"));
-    if (!f.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &riga : f.readAll().split('\n'))
-        if (riga.startsWith("VmRSS:"))
-            return riga.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    return -1;
-}
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
 
 // A grid as the parking window shows it: the movement colours, 40 rows high.
 struct Griglia {
@@ -79,15 +63,6 @@ int righeVisibili(QTableView &v)
     return (ultima < 0 ? v.model()->rowCount() - 1 : ultima) - v.rowAt(0) + 1;
 }
 
-template <typename F>
-double timed(F &&f)
-{
-    QElapsedTimer t;
-    t.start();
-    f();
-    return t.nsecsElapsed() / 1e6;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -96,14 +71,8 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     QTextStream out(stdout);
-    const QString path = argc > 1 ? QString::fromLocal8Bit(argv[1])
-                                  : QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../bench-data/basedati.mdb"));
+    const QString path = bench::BasedatiGrande(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
     try {
-        if (!QFileInfo::exists(path)) {
-            QDir().mkpath(QFileInfo(path).path());
-            out << "writing " << path << " (1,000,000 movements)..." << Qt::endl;
-            bench::GeneraBasedati(path, bench::Volume{});
-        }
         auto &p = frame::pub();
         p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
         p.Pathdata = QFileInfo(path).absoluteFilePath();
@@ -111,56 +80,56 @@ int main(int argc, char **argv)
         const qint64 movimenti = db.scalar(QStringLiteral("select count(*) from Movimentazioni")).toLongLong();
         const QString tutti = QStringLiteral("select * from Q_Movimentazioni_Utenti order by id desc");
         const QString dentro = QStringLiteral("select * from Q_Movimentazioni_Utenti where entrato=-1 and Annullato=0 order by id desc");
-        out << "database " << path << ": " << movimenti << " movements, RSS " << rssMb() << " MB" << Qt::endl;
+        out << "database " << path << ": " << movimenti << " movements, RSS " << bench::memoriaMb("VmRSS") << " MB" << Qt::endl;
 
         std::vector<double> countMs;
         for (int i = 0; i < 3; ++i)
-            countMs.push_back(timed([&] { db.scalar(QStringLiteral("select count(*) from (select * from Q_Movimentazioni_Utenti)")); }));
-        out << "count(*) over the view (what a counted rowCount would cost): median " << median(countMs) << " ms" << Qt::endl;
+            countMs.push_back(bench::timed([&] { db.scalar(QStringLiteral("select count(*) from (select * from Q_Movimentazioni_Utenti)")); }));
+        out << "count(*) over the view (what a counted rowCount would cost): median " << bench::stats(countMs).median << " ms" << Qt::endl;
 
         for (const QString &sql : {tutti, dentro}) {
             std::vector<double> ms;
             int visibili = 0;
             for (int i = 0; i < 7; ++i) {
                 Griglia g;
-                ms.push_back(timed([&] { g = apri(sql); }));
+                ms.push_back(bench::timed([&] { g = apri(sql); }));
                 visibili = righeVisibili(*g.view);
             }
             out << "first screen (" << visibili << " rows painted) of \"" << sql << "\": first " << ms.front()
-                << " ms, median " << median(ms) << " ms" << Qt::endl;
+                << " ms, median " << bench::stats(ms).median << " ms" << Qt::endl;
         }
 
         Griglia g = apri(tutti);
-        out << "RSS with the full list open: " << rssMb() << " MB (rows read " << g.model->righeLette() << ")" << Qt::endl;
+        out << "RSS with the full list open: " << bench::memoriaMb("VmRSS") << " MB (rows read " << g.model->righeLette() << ")" << Qt::endl;
         qint64 totale = 0;
-        const double conta = timed([&] {
+        const double conta = bench::timed([&] {
         totale = g.model->caricaTutto();
         QCoreApplication::processEvents(); // the view takes the new row count
     });
-        const double mezzo = timed([&] {
+        const double mezzo = bench::timed([&] {
             g.view->scrollTo(g.model->index(int(totale / 2), 0), QAbstractItemView::PositionAtTop);
             g.view->grab();
         });
         out << "count on a jump: " << conta << " ms (" << totale << " rows); scroll to the middle: " << mezzo
             << " ms (top row " << g.view->rowAt(0) << ")" << Qt::endl;
-        const double fine = timed([&] {
+        const double fine = bench::timed([&] {
             g.view->scrollToBottom();
             g.view->grab();
         });
         const QString ultimo = g.model->data(g.model->index(int(totale - 1), g.model->colonna(QStringLiteral("id")))).toString();
         const QString minimo = db.scalar(QStringLiteral("select min(id) from Movimentazioni")).toString();
         out << "scroll to the end: " << fine << " ms (top row " << g.view->rowAt(0) << "); last row id " << ultimo << (ultimo == minimo ? " (right)" : " (WRONG)")
-            << "; RSS " << rssMb() << " MB" << Qt::endl;
-        const double inizio = timed([&] {
+            << "; RSS " << bench::memoriaMb("VmRSS") << " MB" << Qt::endl;
+        const double inizio = bench::timed([&] {
             g.view->scrollToTop();
             g.view->grab();
         });
-        out << "back to the top: " << inizio << " ms; RSS " << rssMb() << " MB" << Qt::endl;
+        out << "back to the top: " << inizio << " ms; RSS " << bench::memoriaMb("VmRSS") << " MB" << Qt::endl;
 
         const QVariant chiave = db.scalar(QStringLiteral("select id from Movimentazioni order by id desc limit 1 offset 750000"));
         Griglia h = apri(tutti);
         int riga = -1;
-        const double pos = timed([&] { riga = h.model->posizione(chiave); });
+        const double pos = bench::timed([&] { riga = h.model->posizione(chiave); });
         out << "posizione of a key at row 750000: " << pos << " ms (row " << riga << ")" << Qt::endl;
         if (ultimo != minimo || riga != 750000)
             return 1;

@@ -4,6 +4,7 @@
 // floor of one durable single-row insert; the count of vehicles inside; opening.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Misure.h"
 
 #include <Connections.h>
 #include <Database.h>
@@ -23,43 +24,12 @@
 #include <algorithm>
 #include <vector>
 
-namespace {
-
-
-struct Stats {
-    double median, p99;
-};
-
-Stats stats(std::vector<double> ms)
-{
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms[std::min(ms.size() - 1, ms.size() * 99 / 100)]};
-}
-
-template <typename F>
-double timed(F &&f)
-{
-    QElapsedTimer t;
-    t.start();
-    f();
-    return t.nsecsElapsed() / 1e6;
-}
-
-} // namespace
-
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    const QString path = argc > 1 ? QString::fromLocal8Bit(argv[1])
-                                  : QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../bench-data/basedati.mdb"));
+    const QString path = bench::BasedatiGrande(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
     try {
-        if (!QFileInfo::exists(path)) {
-            QDir().mkpath(QFileInfo(path).path());
-            out << "writing " << path << " (1,000,000 movements, 10,000 customers)..." << Qt::endl;
-            const double ms = timed([&] { bench::GeneraBasedati(path, bench::Volume{}); });
-            out << "  written in " << ms / 1000 << " s" << Qt::endl;
-        }
         auto &p = frame::pub();
         p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
         frame::CaricaFileLingua(QStringLiteral("English"));
@@ -69,14 +39,14 @@ int main(int argc, char **argv)
 
         std::vector<double> open;
         for (int i = 0; i < 10; ++i)
-            open.push_back(timed([&] { store::Database db(path, QLatin1String(store::DatabaseKey)); }));
+            open.push_back(bench::timed([&] { store::Database db(path, QLatin1String(store::DatabaseKey)); }));
 
         store::Database &db = frame::basedati();
         const qint64 movimenti = db.scalar(QStringLiteral("select count(*) from Movimentazioni")).toLongLong();
 
         std::vector<double> floor;
         for (int i = 0; i < 200; ++i)
-            floor.push_back(timed([&] {
+            floor.push_back(bench::timed([&] {
                 db.execute(QStringLiteral("insert into Movimentazioni (Anno, Progressivo, DataOra, Targa, IdFascia, Entrato, IdUtente) "
                                           "values ('2026', ?, ?, 'FLOOR01', '01', -1, 1)"),
                            {-1 - i, QDateTime::currentDateTime()});
@@ -92,7 +62,7 @@ int main(int argc, char **argv)
             parking::PannelloMovimento pn;
             pn.targa = QStringLiteral("BN%1XY").arg(i, 4, 10, QLatin1Char('0'));
             pn.fascia = i % 2 ? QStringLiteral("01") : QStringLiteral("02");
-            entries.push_back(timed([&] {
+            entries.push_back(bench::timed([&] {
                 if (!parking::EntraEsce(form, true, false, pn, prompter).scritto)
                     throw store::DbError(0, QStringLiteral("entry refused: ") + prompter.shown.join(QLatin1Char('|')));
             }));
@@ -106,7 +76,7 @@ int main(int argc, char **argv)
             parking::PannelloMovimento pn;
             pn.targa = one.value(QStringLiteral("Targa")).toString();
             pn.dataIngresso = one.value(QStringLiteral("DataOra")).toDateTime().date();
-            exits.push_back(timed([&] {
+            exits.push_back(bench::timed([&] {
                 if (!parking::EntraEsce(one, false, false, pn, prompter).scritto)
                     throw store::DbError(0, QStringLiteral("exit refused: ") + prompter.shown.join(QLatin1Char('|')));
             }));
@@ -115,9 +85,9 @@ int main(int argc, char **argv)
         std::vector<double> inside;
         qint32 dentro = 0;
         for (int i = 0; i < 50; ++i)
-            inside.push_back(timed([&] { dentro = parking::VeicoliDentro(); }));
+            inside.push_back(bench::timed([&] { dentro = parking::VeicoliDentro(); }));
 
-        const Stats o = stats(open), f = stats(floor), e = stats(entries), x = stats(exits), v = stats(inside);
+        const bench::Stats o = bench::stats(open), f = bench::stats(floor), e = bench::stats(entries), x = bench::stats(exits), v = bench::stats(inside);
         out << Qt::fixed;
         out.setRealNumberPrecision(2);
         out << "database: " << movimenti << " movements\n";

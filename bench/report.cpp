@@ -4,6 +4,7 @@
 // The database is written first when PATH (default <build>/bench-data/report.mdb) is missing.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Misure.h"
 
 #include <CrystalReport.h>
 #include <DbError.h>
@@ -16,22 +17,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
-
-namespace {
-
-// Peak resident memory of this process, in megabytes.
-double peakMegabytes()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
-    return -1;
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -60,7 +45,7 @@ int main(int argc, char **argv)
     p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
     p.Pathdata = QFileInfo(path).absoluteFilePath();
     frame::CaricaFileLingua(QStringLiteral("English"));
-    const double before = peakMegabytes();
+    const double before = bench::memoriaMb("VmHWM");
 
     bench::AlwaysOk prompter;
     reports::CrystalReport report(prompter);
@@ -86,7 +71,7 @@ int main(int argc, char **argv)
         QTextStream(stderr) << "the report failed: " << prompter.shown.join(QLatin1Char('\n')) << Qt::endl;
         return 1;
     }
-    const double peak = peakMegabytes();
+    const double peak = bench::memoriaMb("VmHWM");
     out << "park report, both graphs, to PDF: " << report.lastRowCount() << " rows, " << report.lastPageCount() << " pages, "
         << QString::number(seconds, 'f', 2) << " s (goal < 15 s), " << QFileInfo(pdf).size() / (1024 * 1024) << " MB of PDF\n";
     out << "peak memory: " << QString::number(peak, 'f', 0) << " MB (goal < 500 MB; " << QString::number(before, 'f', 0)

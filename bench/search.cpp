@@ -6,6 +6,7 @@
 // the found row is timed apart. Goal: under 100 ms.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Misure.h"
 
 #include <Connections.h>
 #include <Database.h>
@@ -28,25 +29,6 @@
 
 namespace {
 
-struct Stats {
-    double median, p99;
-};
-
-Stats stats(std::vector<double> ms)
-{
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms[std::min(ms.size() - 1, ms.size() * 99 / 100)]};
-}
-
-template <typename F>
-double timed(F &&f)
-{
-    QElapsedTimer t;
-    t.start();
-    f();
-    return t.nsecsElapsed() / 1e6;
-}
-
 struct Caso {
     QString nome;
     std::vector<parking::PannelloRicerca> pannelli;
@@ -58,14 +40,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
-    const QString path = argc > 1 ? QString::fromLocal8Bit(argv[1])
-                                  : QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../bench-data/basedati.mdb"));
+    const QString path = bench::BasedatiGrande(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
     try {
-        if (!QFileInfo::exists(path)) {
-            QDir().mkpath(QFileInfo(path).path());
-            out << "writing " << path << " (1,000,000 movements)..." << Qt::endl;
-            bench::GeneraBasedati(path, bench::Volume{});
-        }
         auto &p = frame::pub();
         p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
         frame::CaricaFileLingua(QStringLiteral("English"));
@@ -136,11 +112,11 @@ int main(int argc, char **argv)
             for (std::size_t i = 0; i < c.pannelli.size(); ++i) {
                 parking::PannelloRicerca &pn = c.pannelli[i];
                 parking::EsitoRicerca e;
-                const double tCerca = timed([&] { e = parking::RicercaRapida(pn, true, prompter); });
+                const double tCerca = bench::timed([&] { e = parking::RicercaRapida(pn, true, prompter); });
                 if (!e.eseguita)
                     throw store::DbError(0, QStringLiteral("search failed: ") + prompter.shown.join(QLatin1Char('|')));
                 std::unique_ptr<store::Recordset> rs;
-                const double tApri = timed([&] {
+                const double tApri = bench::timed([&] {
                     rs = std::make_unique<store::Recordset>(db, e.elenco.sql, e.elenco.parametri);
                     rs->MoveFirst();
                     if (!rs->isEmpty())
@@ -151,16 +127,16 @@ int main(int argc, char **argv)
                 if (e.chiave.isValid()) {
                     ++trovati;
                     if (posiziona.size() < 5) // a walk through the set: a few are enough
-                        posiziona.push_back(timed([&] { parking::PosizionaSu(*rs, e.chiave); }));
+                        posiziona.push_back(bench::timed([&] { parking::PosizionaSu(*rs, e.chiave); }));
                 }
             }
-            const Stats s = stats(cerca), a = stats(apri);
+            const bench::Stats s = bench::stats(cerca), a = bench::stats(apri);
             out << c.nome << " (" << trovati << "/" << c.pannelli.size() << " found)\n";
             out << "  search alone:                 median " << s.median << " ms, p99 " << s.p99 << " ms\n";
             out << "  search + list open + 1st row: median " << a.median << " ms, p99 " << a.p99 << " ms"
                 << (a.p99 < 100 ? "  (goal met)\n" : "  (over the 100 ms goal)\n");
             if (!posiziona.empty()) {
-                const Stats m = stats(posiziona);
+                const bench::Stats m = bench::stats(posiziona);
                 out << "  moving the list to the row:   median " << m.median << " ms, p99 " << m.p99 << " ms ("
                     << posiziona.size() << " runs)\n";
             }
