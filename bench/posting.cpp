@@ -4,6 +4,7 @@
 // bench_register writes under bench-data, generated when missing).
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Programma.h"
 
 #include <Connections.h>
 #include <Contabilizzazione.h>
@@ -39,12 +40,7 @@ int main(int argc, char **argv)
             out << "writing " << copia << " (1,000,000 movements)..." << Qt::endl;
             bench::GeneraBasedati(copia, bench::Volume{});
         }
-        auto &p = frame::pub();
-        p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
-        frame::CaricaFileLingua(QStringLiteral("English"));
-        p.Pathdata = copia;
-        p.AnnoEsercizio = QStringLiteral("2026");
-        p.IdUtenteCorrente = 1;
+        auto &p = bench::PreparaProgramma(copia);
         p.UtenteCorrente = QStringLiteral("administrator");
 
         store::Database &db = frame::basedati();

@@ -4,6 +4,7 @@
 // floor of one durable single-row insert; the count of vehicles inside; opening.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Programma.h"
 #include "Misure.h"
 
 #include <Connections.h>
@@ -30,12 +31,7 @@ int main(int argc, char **argv)
     QTextStream out(stdout);
     const QString path = bench::BasedatiGrande(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
     try {
-        auto &p = frame::pub();
-        p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
-        frame::CaricaFileLingua(QStringLiteral("English"));
-        p.Pathdata = QFileInfo(path).absoluteFilePath();
-        p.AnnoEsercizio = QStringLiteral("2026");
-        p.IdUtenteCorrente = 1;
+        bench::PreparaProgramma(path);
 
         std::vector<double> open;
         for (int i = 0; i < 10; ++i)

@@ -4,6 +4,7 @@
 // The database is written first when PATH (default <build>/bench-data/report.mdb) is missing.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Programma.h"
 #include "Misure.h"
 
 #include <CrystalReport.h>
@@ -41,10 +42,7 @@ int main(int argc, char **argv)
         QTextStream(stderr) << e.message() << Qt::endl;
         return 1;
     }
-    auto &p = frame::pub();
-    p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
-    p.Pathdata = QFileInfo(path).absoluteFilePath();
-    frame::CaricaFileLingua(QStringLiteral("English"));
+    auto &p = bench::PreparaProgramma(path);
     const double before = bench::memoriaMb("VmHWM");
 
     bench::AlwaysOk prompter;

@@ -6,6 +6,7 @@
 // the found row is timed apart. Goal: under 100 ms.
 #include "AlwaysOk.h"
 #include "Generator.h"
+#include "Programma.h"
 #include "Misure.h"
 
 #include <Connections.h>
@@ -42,11 +43,7 @@ int main(int argc, char **argv)
     QTextStream out(stdout);
     const QString path = bench::BasedatiGrande(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString());
     try {
-        auto &p = frame::pub();
-        p.CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
-        frame::CaricaFileLingua(QStringLiteral("English"));
-        p.Pathdata = QFileInfo(path).absoluteFilePath();
-        p.AnnoEsercizio = QStringLiteral("2026");
+        auto &p = bench::PreparaProgramma(path);
         p.FormatoData = QStringLiteral("dd/mm/yyyy");
         store::Database &db = frame::basedati();
         const qint64 movimenti = db.scalar(QStringLiteral("select count(*) from Movimentazioni")).toLongLong();

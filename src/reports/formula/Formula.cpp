@@ -217,12 +217,12 @@ struct RifFormula final : Nodo {
     }
 };
 
-enum class OpConfronto { Uguale, Diverso, Minore, Maggiore, MinoreUguale, MaggioreUguale };
-
-struct Confronto final : Nodo {
-    OpConfronto op;
+// Binary operators whose result is null when either operand is: the operands are
+// read once here, and the operator only combines two values that aren't null.
+template <typename Operatore>
+struct BinarioStretto : Nodo {
     PNodo a, b;
-    const Valore &valuta(const Riga &r, Valore &tmp) const override
+    const Valore &valuta(const Riga &r, Valore &tmp) const final
     {
         Valore ta, tb;
         const Valore &x = a->valuta(r, ta);
@@ -231,6 +231,16 @@ struct Confronto final : Nodo {
         const Valore &y = b->valuta(r, tb);
         if (y.isNull())
             return Accesso::nullo(tmp);
+        return static_cast<const Operatore *>(this)->combina(x, y, tmp);
+    }
+};
+
+enum class OpConfronto { Uguale, Diverso, Minore, Maggiore, MinoreUguale, MaggioreUguale };
+
+struct Confronto final : BinarioStretto<Confronto> {
+    OpConfronto op;
+    const Valore &combina(const Valore &x, const Valore &y, Valore &tmp) const
+    {
         const int c = confronta(x, y);
         if (c == Incomparabile)
             return Accesso::nullo(tmp);
@@ -296,9 +306,8 @@ struct Negazione final : Nodo {
 
 enum class OpAritmetico { Piu, Meno, Per, Diviso };
 
-struct Aritmetica final : Nodo {
+struct Aritmetica final : BinarioStretto<Aritmetica> {
     OpAritmetico op;
-    PNodo a, b;
 
     static const Valore &spostaData(Valore &tmp, const Valore &d, double giorni)
     {
@@ -316,15 +325,8 @@ struct Aritmetica final : Nodo {
                              false, true);
     }
 
-    const Valore &valuta(const Riga &r, Valore &tmp) const override
+    const Valore &combina(const Valore &x, const Valore &y, Valore &tmp) const
     {
-        Valore ta, tb;
-        const Valore &x = a->valuta(r, ta);
-        if (x.isNull())
-            return Accesso::nullo(tmp);
-        const Valore &y = b->valuta(r, tb);
-        if (y.isNull())
-            return Accesso::nullo(tmp);
         const bool nx = x.isNumero(), ny = y.isNumero();
         if (nx && ny) {
             switch (op) {
@@ -364,31 +366,17 @@ struct Aritmetica final : Nodo {
     }
 };
 
-struct Concatena final : Nodo {
-    PNodo a, b;
-    const Valore &valuta(const Riga &r, Valore &tmp) const override
+struct Concatena final : BinarioStretto<Concatena> {
+    const Valore &combina(const Valore &x, const Valore &y, Valore &tmp) const
     {
-        Valore ta, tb;
-        const Valore &x = a->valuta(r, ta);
-        if (x.isNull())
-            return Accesso::nullo(tmp);
-        const Valore &y = b->valuta(r, tb);
-        if (y.isNull())
-            return Accesso::nullo(tmp);
         return Accesso::testo(tmp, x.comeTesto() + y.comeTesto());
     }
 };
 
 // "x in y" with texts: y contains x.
-struct Contiene final : Nodo {
-    PNodo a, b;
-    const Valore &valuta(const Riga &r, Valore &tmp) const override
+struct Contiene final : BinarioStretto<Contiene> {
+    const Valore &combina(const Valore &x, const Valore &y, Valore &tmp) const
     {
-        Valore ta, tb;
-        const Valore &x = a->valuta(r, ta);
-        if (x.isNull())
-            return Accesso::nullo(tmp);
-        const Valore &y = b->valuta(r, tb);
         if (!x.isTesto() || !y.isTesto())
             return Accesso::nullo(tmp);
         return Accesso::booleano(tmp, y.testo().contains(x.testo(), Qt::CaseSensitive));
