@@ -236,14 +236,15 @@ EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter)
     return EsitoRicerca::MostraElenco;
 }
 
-bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione)
+bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione, const QString &modello,
+                  const char *chiaveTitolo)
 {
-    reports::ImpostaModello(report, QStringLiteral("Elenco"));
+    reports::ImpostaModello(report, modello);
     report.setSelectionFormula(filtro.formula);
     report.setFormulas(0, filtro.descrizione.isEmpty() ? QStringLiteral("Descrizionefiltri0=''")
                                                        : QStringLiteral("Descrizionefiltri0='Dati elaborati secondo i seguenti  criteri:'"));
     report.setFormulas(1, QStringLiteral("Descrizionefiltri=") + TestoFormula(filtro.descrizione));
-    report.setFormulas(2, QStringLiteral("Titolo=") + TestoFormula(TestoLingua("M0327")));
+    report.setFormulas(2, QStringLiteral("Titolo=") + TestoFormula(TestoLingua(chiaveTitolo)));
     report.setDiscardSavedData(true);
     report.setDestination(destinazione);
     const bool ok = report.setAction(1);

@@ -79,8 +79,10 @@ enum class EsitoRicerca { Posiziona, NessunaRiga, MostraElenco };
 // and the filter panel stays; anything else shows the list. Clears the status line.
 EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter);
 
-// Print mode: runs template Elenco with the filter's selection, the description and the title.
+// Print mode: runs a list template (Elenco, the customers; ElencoMovimenti, the
+// movements) with the filter's selection, the description and the title.
 // Returns the engine's result; the preview opens at 100%.
-bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione = 0);
+bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione = 0,
+                  const QString &modello = QStringLiteral("Elenco"), const char *chiaveTitolo = "M0327");
 
 } // namespace forms

@@ -5,6 +5,7 @@
 #include "frmLogin.h"
 #include "frmMain.h"
 
+#include <frmPark.h>
 #include <frmStampaCassa.h>
 #include <frmStampaPark.h>
 
@@ -18,6 +19,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPointer>
 #include <QStandardPaths>
 #include <QTimer>
@@ -42,9 +45,29 @@ frmMain::Apertura unica()
     };
 }
 
+// One record window per kind, inside the main window's area.
+template <typename Finestra>
+frmMain::Apertura unicaInterna()
+{
+    return [](frmMain &main) -> QWidget * {
+        static QPointer<Finestra> aperta;
+        if (!aperta) {
+            aperta = new Finestra(main.prompter());
+            QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(aperta);
+            sotto->setAttribute(Qt::WA_DeleteOnClose);
+            sotto->resize(aperta->size());
+            sotto->show();
+        }
+        main.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(aperta->parentWidget()));
+        aperta->setFocus();
+        return aperta;
+    };
+}
+
 // The windows behind the items of the menus, by item number.
 void RegistraFinestre(frmMain &main)
 {
+    main.RegistraFinestra(111, unicaInterna<parking::frmPark>());
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());
     main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
 }

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// bench_parkwindow [PATH] [--grab DIR]: the parking window on the database at
+// PATH (a million movements, written first when missing): opening it (which
+// lists the vehicles inside), the first painted screen of OptTu with no date
+// (every movement) and of OptEn, a quick search by number and by plate prefix,
+// and the resident memory with the whole list read. With --grab, pictures of
+// the window in both layouts are written to DIR.
+#include "AlwaysOk.h"
+#include "Generator.h"
+#include "Misure.h"
+#include "Programma.h"
+
+#include <frmPark.h>
+
+#include <Connections.h>
+#include <FormRecord.h>
+#include <PublicState.h>
+#include <RecordsetModel.h>
+#include <Routines.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTextStream>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+// Lets the window paint what changed, as the user would see it.
+void dipingi(QWidget &w)
+{
+    QApplication::processEvents();
+    w.repaint();
+}
+
+template <typename T>
+T *figlio(QWidget &w, const char *nome)
+{
+    return w.findChild<T *>(QLatin1String(nome));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QStringList argomenti = app.arguments().mid(1);
+    QString cartellaFoto;
+    if (const int g = int(argomenti.indexOf(QStringLiteral("--grab"))); g >= 0 && g + 1 < argomenti.size()) {
+        cartellaFoto = argomenti[g + 1];
+        argomenti.remove(g, 2);
+    }
+    const QString path = bench::BasedatiGrande(argomenti.value(0));
+    auto &p = bench::PreparaProgramma(path);
+    p.UtenteCorrente = QStringLiteral("administrator");
+    p.FasciaDefault = QStringLiteral("01");
+    bench::AlwaysOk prompter;
+    QTextStream out(stdout);
+
+    std::unique_ptr<parking::frmPark> finestra;
+    const double apertura = bench::timed([&] {
+        finestra = std::make_unique<parking::frmPark>(prompter);
+        finestra->setAttribute(Qt::WA_DeleteOnClose, false);
+        finestra->resize(1200, 720);
+        finestra->show();
+        dipingi(*finestra);
+    });
+    out << "open the window (OptEn, today), painted: " << apertura << " ms\n";
+
+    auto *data = figlio<QLineEdit>(*finestra, "TxtDR_0");
+    auto *griglia = figlio<QTableView>(*finestra, "TDBGrid2");
+    const auto opzione = [&](const char *nome) {
+        return bench::timed([&] {
+            figlio<QRadioButton>(*finestra, nome)->click();
+            dipingi(*finestra);
+        });
+    };
+    data->clear();
+    std::vector<double> tutti, dentro;
+    for (int i = 0; i < 7; ++i) {
+        tutti.push_back(opzione("OptTu"));
+        dentro.push_back(opzione("OptEn"));
+    }
+    out << "OptTu, no date, first screen: median " << bench::stats(tutti).median << " ms (p99 "
+        << bench::stats(tutti).p99 << ")\n";
+    out << "OptEn, no date, first screen: median " << bench::stats(dentro).median << " ms (p99 "
+        << bench::stats(dentro).p99 << ")\n";
+
+    opzione("OptTu");
+    auto *numero = figlio<QLineEdit>(*finestra, "TxtProg");
+    auto *targa = figlio<QLineEdit>(*finestra, "TxtTR_2");
+    const auto cerca = [&](const QString &n, const QString &t) {
+        std::vector<double> v;
+        for (int i = 0; i < 9; ++i) {
+            numero->setText(n);
+            targa->setText(t);
+            v.push_back(bench::timed([&] {
+                finestra->RicercaRapida(true);
+                dipingi(*finestra);
+            }));
+        }
+        return bench::stats(v).median;
+    };
+    out << "quick search by number (year 2026, no. 1000, in OptTu), shown: " << cerca(QStringLiteral("1000"), QString()) << " ms\n";
+    out << "quick search by plate prefix 'AB1', shown: " << cerca(QString(), QStringLiteral("AB1")) << " ms\n";
+    out << "quick search by plate prefix 'AB12C', shown: " << cerca(QString(), QStringLiteral("AB12C")) << " ms\n";
+
+    if (!cartellaFoto.isEmpty()) {
+        numero->clear();
+        targa->clear();
+        data->clear();
+        opzione("OptTu");
+        griglia->selectRow(3);
+        dipingi(*finestra);
+        finestra->grab().save(cartellaFoto + QStringLiteral("/park-operation.png"));
+        finestra->bottoni(QStringLiteral("gestione"));
+        finestra->bottoni(QStringLiteral("trova"));
+        dipingi(*finestra);
+        finestra->grab().save(cartellaFoto + QStringLiteral("/park-filters.png"));
+        finestra->Command6();
+        dipingi(*finestra);
+        finestra->grab().save(cartellaFoto + QStringLiteral("/park-list.png"));
+        finestra->Command5();
+    }
+
+    opzione("OptTu");
+    const double tutto = bench::timed([&] {
+        finestra->datPrimaryRS().caricaTutto();
+        griglia->scrollToBottom();
+        dipingi(*finestra);
+    });
+    out << "whole list read and shown at its end: " << tutto << " ms, " << finestra->datPrimaryRS().rowCount()
+        << " rows\n";
+    out << "resident memory with the full list open: " << bench::memoriaMb("VmRSS") << " MB (peak "
+        << bench::memoriaMb("VmHWM") << " MB)\n";
+    finestra.reset();
+    store::Connections::closeAll();
+    return 0;
+}
