@@ -95,6 +95,7 @@ private:
     void openStatement();
     bool fetchUpTo(qint64 pos); // reads forward until `pos` is read; false if the set ends first
     void fetchAll();
+    void readKeysOnly(); // goes on reading with a statement of the keys alone
     const Row &rowAt(qint64 pos) const;
     std::optional<Row> readByKey(const QVariant &key) const;
     void cacheRow(qint64 pos, const Row &row) const;
@@ -112,6 +113,8 @@ private:
     bool m_keyIsCounter = false;
 
     std::unique_ptr<Statement> m_stmt;
+    std::unique_ptr<Statement> m_keyStmt; // once set, the rows are read by it, not by m_stmt
+    qint64 m_stepped = 0;                 // rows m_stmt has stepped over
     bool m_exhausted = false;
     QVector<Row> m_unkeyed;      // rows of sets without a key: kept whole
     QVector<QVariant> m_keys;    // keys of the rows read so far, in order
