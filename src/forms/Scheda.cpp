@@ -40,6 +40,8 @@ QHash<QString, StatoPulsante> Pulsanti(Layout layout, const QStringList &offerti
         }
         if (!separatore && !offerti.contains(k))
             s = {};
+        if (separatore)
+            s.abilitato = false;
         stato.insert(k, s);
     }
     // A separator shows only between groups that are there.
