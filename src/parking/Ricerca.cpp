@@ -233,8 +233,11 @@ EsitoRicerca RicercaRapida(PannelloRicerca &p, bool CercaRiga, Prompter &prompte
             } else {
                 const Indice guida = sceltaGuida(seconda, p.opzione, giorno, !p.anno.isEmpty());
                 const Clausola c = unisci(prima + seconda.condizioni, guida, true);
-                esito.chiave = db.scalar(QStringLiteral("select id from Movimentazioni where ") + c.testo
-                                             + QStringLiteral(" order by Anno, id limit 1"),
+                // With the year fixed the list's order is the order of id; said so, the
+                // engine reads the first row by its key instead of sorting the year's rows.
+                const QString ordine = p.anno.isEmpty() ? QStringLiteral(" order by Anno, id limit 1")
+                                                        : QStringLiteral(" order by id limit 1");
+                esito.chiave = db.scalar(QStringLiteral("select id from Movimentazioni where ") + c.testo + ordine,
                                          c.parametri);
                 trovato = esito.chiave.isValid();
             }
@@ -280,8 +283,9 @@ bool PosizionaSu(store::Recordset &rs, const QVariant &chiave)
 {
     if (!chiave.isValid())
         return false;
-    const qint64 cercata = chiave.toLongLong();
-    return rs.FindFirst([cercata](const store::Recordset &r) { return r.key().toLongLong() == cercata; });
+    // By its key: a row deep in a long set is reached reading keys alone.
+    const qint64 posizione = rs.positionOfKey(chiave);
+    return posizione >= 0 && rs.setAbsolutePosition(posizione);
 }
 
 } // namespace parking
