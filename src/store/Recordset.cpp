@@ -171,25 +171,18 @@ bool Recordset::fetchUpTo(qint64 pos)
     if (keyed && !m_keyStmt && !m_exhausted && wholeFrom - m_keys.size() > qint64(MaxBlocks) * BlockSize)
         readKeysOnly();
     while ((keyed ? m_keys.size() : m_unkeyed.size()) <= pos) {
-        if (m_keyStmt) {
-            if (m_exhausted || !m_keyStmt->step()) {
-                m_exhausted = true;
-                return false;
-            }
-            const QVariant k = m_keyStmt->value(0);
-            if (m_addedKeys.isEmpty() || !m_addedKeys.contains(keyText(k)))
-                m_keys.append(k);
-            continue;
-        }
-        if (m_exhausted || !m_stmt->step()) {
+        Statement &st = m_keyStmt ? *m_keyStmt : *m_stmt;
+        if (m_exhausted || !st.step()) {
             m_exhausted = true;
             return false;
         }
+        if (m_keyStmt) {
+            takeKey(st.value(0));
+            continue;
+        }
         ++m_stepped;
         if (keyed && m_keys.size() < wholeFrom) {
-            const QVariant k = m_stmt->value(m_keyColumn);
-            if (m_addedKeys.isEmpty() || !m_addedKeys.contains(keyText(k)))
-                m_keys.append(k);
+            takeKey(m_stmt->value(m_keyColumn));
             continue;
         }
         Row row(m_fields.size());
@@ -199,11 +192,18 @@ bool Recordset::fetchUpTo(qint64 pos)
             m_unkeyed.append(row);
             continue;
         }
-        if (m_addedKeys.contains(keyText(row[m_keyColumn])))
-            continue;
-        m_keys.append(row[m_keyColumn]);
-        cacheRow(m_keys.size() - 1, row);
+        if (takeKey(row[m_keyColumn]))
+            cacheRow(m_keys.size() - 1, row);
     }
+    return true;
+}
+
+bool Recordset::takeKey(const QVariant &key)
+{
+    // A row added here already stands in the set: the query reaching it is skipped.
+    if (!m_addedKeys.isEmpty() && m_addedKeys.contains(keyText(key)))
+        return false;
+    m_keys.append(key);
     return true;
 }
 
@@ -488,27 +488,13 @@ qint64 Recordset::positionOfKey(const QVariant &key)
                              .toLongLong();
     if (inSet == 0)
         return -1;
-    // Long steps: only the last rows of each step are built whole and cached.
-    constexpr qint64 Step = 16 * qint64(MaxBlocks) * BlockSize;
+    // It is there: read on by keys alone, looking at each as it comes, so that
+    // nothing is read past the row; its neighbours are read whole when shown.
     if (!m_keyStmt)
-        fetchUpTo(m_keys.size() + Step);
-    for (qint64 i = 0; i < m_keys.size(); ++i)
-        if (matches(m_keys[i]))
-            return i;
-    // Reading keys alone, each is looked at as it comes, so that nothing is read past the row.
-    while (m_keyStmt && !m_exhausted) {
-        if (!fetchUpTo(m_keys.size()))
-            return -1;
+        readKeysOnly();
+    while (fetchUpTo(m_keys.size()))
         if (matches(m_keys.last()))
             return m_keys.size() - 1;
-    }
-    while (!m_exhausted) {
-        const qint64 from = m_keys.size();
-        fetchUpTo(from + Step);
-        for (qint64 i = from; i < m_keys.size(); ++i)
-            if (matches(m_keys[i]))
-                return i;
-    }
     return -1;
 }
 

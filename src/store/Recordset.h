@@ -96,6 +96,7 @@ private:
     bool fetchUpTo(qint64 pos); // reads forward until `pos` is read; false if the set ends first
     void fetchAll();
     void readKeysOnly(); // goes on reading with a statement of the keys alone
+    bool takeKey(const QVariant &key); // appends a key the query read, unless the row was added here
     const Row &rowAt(qint64 pos) const;
     std::optional<Row> readByKey(const QVariant &key) const;
     void cacheRow(qint64 pos, const Row &row) const;
