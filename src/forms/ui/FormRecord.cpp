@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FormRecord.h"
 
+#include "Didascalie.h"
+
 #include <CasellaData.h>
 #include <Colori.h>
 #include <Currency.h>
@@ -308,21 +310,7 @@ void FormRecord::ImpostaDidascalie()
     for (const Didascalia &d : DidascalieScheda()) {
         const QString nome = QLatin1String(d.controllo);
         QObject *o = m_pulsanti.value(nome);
-        if (!o)
-            o = m_pannelli->widget(Elenco)->findChild<QObject *>(nome);
-        if (auto *a = qobject_cast<QAction *>(o)) {
-            a->setText(TestoLingua(d.testo).remove(QLatin1Char('&')));
-            a->setToolTip(TestoLingua(d.suggerimento));
-        } else if (auto *w = qobject_cast<QWidget *>(o)) {
-            if (*d.testo) {
-                if (auto *b = qobject_cast<QAbstractButton *>(w))
-                    b->setText(TestoLingua(d.testo));
-                else if (auto *l = qobject_cast<QLabel *>(w))
-                    l->setText(TestoLingua(d.testo));
-            }
-            if (*d.suggerimento)
-                w->setToolTip(TestoLingua(d.suggerimento));
-        }
+        ApplicaDidascalia(o ? o : m_pannelli->widget(Elenco)->findChild<QObject *>(nome), d.testo, d.suggerimento);
     }
     m_filtri->impostaDidascalie();
 }

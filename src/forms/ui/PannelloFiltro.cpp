@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PannelloFiltro.h"
 
+#include "Didascalie.h"
+
 #include <Language.h>
 #include <PublicState.h>
 #include <Recordset.h>
@@ -106,16 +108,8 @@ void PannelloFiltro::impostaDidascalie()
     m_combo1->setCurrentIndex(scelto < 0 ? 0 : scelto);
     for (const Didascalia &d : DidascalieScheda()) {
         const QString nome = QLatin1String(d.controllo);
-        if (nome == QLatin1String("ComEsegueRic_Stampa"))
-            continue; // follows the mode
-        if (auto *w = findChild<QWidget *>(nome)) {
-            if (*d.testo) {
-                if (auto *b = qobject_cast<QAbstractButton *>(w))
-                    b->setText(TestoLingua(d.testo));
-            }
-            if (*d.suggerimento)
-                w->setToolTip(TestoLingua(d.suggerimento));
-        }
+        if (nome != QLatin1String("ComEsegueRic_Stampa")) // that one follows the mode
+            ApplicaDidascalia(findChild<QWidget *>(nome), d.testo, d.suggerimento);
     }
 }
 
@@ -186,10 +180,8 @@ void PannelloFiltro::impostaModo(Modo modo)
     for (const Didascalia &d : DidascalieScheda()) {
         if (QLatin1String(d.controllo) != QLatin1String("ComEsegueRic_Stampa"))
             continue;
-        if ((n++ == 0) == stampa) {
-            m_modoBottone->setText(TestoLingua(d.testo));
-            m_modoBottone->setToolTip(TestoLingua(d.suggerimento));
-        }
+        if ((n++ == 0) == stampa)
+            ApplicaDidascalia(m_modoBottone, d.testo, d.suggerimento);
     }
 }
 

@@ -5,6 +5,8 @@
 #include "FrmResto.h"
 #include "StampaMovimento.h"
 
+#include <Didascalie.h>
+
 #include <Contabilizzazione.h>
 #include <Correzione.h>
 
@@ -200,15 +202,10 @@ void frmPark::impostaDidascalie()
         {m_ui->lblImporto, "M0322"}, {m_ui->lblAnno, "FRM04"},   {m_ui->lblAnnoR, "FRM04"},
         {m_ui->ComMod, "M0139"},     {m_ui->ComAnn, "M0140"},    {m_ui->ComCont, "M0294"},
         {m_ui->OptEn, "M0297"},      {m_ui->OptUs, "M0298"},     {m_ui->OptTu, "M0178"},
+        {m_ui->PicRicRap, "M0295"},  {m_ui->fraMovimenti, "M0296"},
     };
-    for (const auto &e : etichette) {
-        if (auto *l = qobject_cast<QLabel *>(e.controllo))
-            l->setText(TestoLingua(e.chiave));
-        else if (auto *b = qobject_cast<QAbstractButton *>(e.controllo))
-            b->setText(TestoLingua(e.chiave));
-    }
-    m_ui->PicRicRap->setTitle(TestoLingua("M0295"));
-    m_ui->fraMovimenti->setTitle(TestoLingua("M0296"));
+    for (const auto &e : etichette)
+        forms::ApplicaDidascalia(e.controllo, e.chiave);
     m_ui->ComEsegueRicRapida->setText(TestoLingua("M0141") + QStringLiteral(" F1"));
     m_ui->CmdIngresso->setText(TestoLingua("M0194") + QStringLiteral(" F5"));
     m_ui->CmdEntraEsce->setText(TestoLingua("M0194"));
