@@ -75,15 +75,12 @@ LimitiCasella LimitiCampo(const store::FieldInfo &campo, TipoCasellaScheda tipo)
             l.massimo = 922337203685477.0;
             l.minimo = -922337203685477.0;
             l.decimali = 4;
-            l.formato = QStringLiteral("###,###,###,###,##0");
-            l.formatoVisualizzato = QStringLiteral("###,###,###,##0.##;(###,###,###,##0.##);0;0");
             break;
         case FieldKind::Long:
         case FieldKind::Counter:
             l.massimo = 2147483647.0;
             l.minimo = -2147483648.0;
             l.decimali = 0;
-            l.formatoVisualizzato = QStringLiteral("0;(0);0;0");
             break;
         default:
             break;

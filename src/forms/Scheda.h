@@ -45,9 +45,7 @@ enum class TipoCasellaScheda {
 struct LimitiCasella {
     std::optional<int> lunghezzaMassima;
     std::optional<double> minimo, massimo;
-    std::optional<int> decimali;      // digits after the decimal point a number box accepts
-    QString formato;                  // edit format, "" to keep the box's own
-    QString formatoVisualizzato;      // display format, "" to keep the box's own
+    std::optional<int> decimali; // digits after the decimal point a number box accepts
 };
 LimitiCasella LimitiCampo(const store::FieldInfo &campo, TipoCasellaScheda tipo);
 

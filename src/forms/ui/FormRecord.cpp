@@ -334,7 +334,7 @@ int FormRecord::idProprietario()
 {
     store::Recordset &rs = recordset();
     const int c = rs.fieldIndex(QStringLiteral("IdUtente"));
-    if (c < 0 || rs.bof() || rs.eof())
+    if (c < 0 || !rigaCorrente())
         return -1;
     const QVariant v = rs.value(c);
     return v.isValid() ? v.toInt() : -1;
@@ -358,8 +358,6 @@ void FormRecord::bottoni(const QString &Azione)
             if (!frame::AutorizzaOperazione(m_prompter, Azione, autorizzazione(), -1))
                 return;
         }
-        // Only adding and editing let the detail panel write.
-        m_solaLettura = !(Azione == QLatin1String("aggiungi") || Azione == QLatin1String("modifica"));
 
         if (Azione == QLatin1String("refresh")) {
             azioneRefresh();
@@ -371,7 +369,7 @@ void FormRecord::bottoni(const QString &Azione)
             eseguiAggiungi();
         } else if (Azione == QLatin1String("modifica")) {
             store::Recordset &rs = recordset();
-            if (rs.isEmpty() || rs.eof() || rs.bof())
+            if (!rigaCorrente())
                 return;
             Abilita();
             abilitaPulsanti({QStringLiteral("aggiungi"), QStringLiteral("modifica"), QStringLiteral("elimina"),
@@ -385,7 +383,6 @@ void FormRecord::bottoni(const QString &Azione)
                 w->setFocus();
             rs.Edit();
             MostraStato(TestoLingua("M0015"));
-            m_layoutPrimaDellaModifica = m_layout;
             applicaLayout(Layout::Modifica);
         } else if (Azione == QLatin1String("elimina")) {
             eseguiElimina();
@@ -426,7 +423,6 @@ bool FormRecord::eseguiAggiungi()
     LeggeDati();
     impostaPredefiniti();
     MostraStato(TestoLingua("M0014"));
-    m_layoutPrimaDellaModifica = m_layout == Layout::Modifica ? m_layoutPrimaDellaModifica : m_layout;
     applicaLayout(Layout::Modifica);
     return true;
 }
@@ -437,6 +433,7 @@ bool FormRecord::eseguiOk()
     if (rs.editMode() != store::Recordset::EditMode::None) {
         if (!convalida())
             return false;
+        // The bound boxes reach the row only here, while the recordset adds or edits.
         scriviCampi();
         rs.Update(); // a failure throws: the form stays in its editing state
         MostraStato(TestoLingua("M0017"));
@@ -444,7 +441,7 @@ bool FormRecord::eseguiOk()
         ricaricaDettaglio(rs.key());
     }
     Disabilita();
-    applicaLayout(m_layoutPrimaDellaModifica);
+    applicaLayout(m_layout);
     return true;
 }
 
@@ -455,7 +452,7 @@ void FormRecord::eseguiAnnulla()
     store::Recordset &rs = recordset();
     const auto modo = rs.editMode();
     Disabilita();
-    applicaLayout(m_layoutPrimaDellaModifica);
+    applicaLayout(m_layout);
     if (modo == store::Recordset::EditMode::AddNew) {
         rs.CancelUpdate();
         MostraStato(TestoLingua("M0018"));
@@ -473,7 +470,7 @@ void FormRecord::eseguiAnnulla()
 void FormRecord::eseguiElimina()
 {
     store::Recordset &rs = recordset();
-    if (rs.isEmpty() || rs.eof() || rs.bof())
+    if (!rigaCorrente())
         return;
     // Two questions, each with Cancel as its default, and both must be answered OK.
     if (!m_prompter.confirm(TestoLingua("M0013")) || !m_prompter.confirm(TestoLingua("M0047")))
@@ -482,7 +479,7 @@ void FormRecord::eseguiElimina()
     rs.MoveNext();
     if (rs.eof())
         rs.MovePrevious();
-    const QVariant chiave = rs.bof() ? QVariant() : rs.key();
+    const QVariant chiave = chiaveCorrente();
     MostraStato(TestoLingua("M0016"));
     ricaricaDettaglio(chiave);
 }
@@ -498,7 +495,7 @@ void FormRecord::scriviCampi()
 void FormRecord::LeggeDati()
 {
     store::Recordset &rs = recordset();
-    const bool riga = rs.editMode() != store::Recordset::EditMode::None || (!rs.isEmpty() && !rs.bof() && !rs.eof());
+    const bool riga = rs.editMode() != store::Recordset::EditMode::None || rigaCorrente();
     for (const Legame &l : std::as_const(m_legami))
         if (l.casella)
             mostraValore(l.casella, riga && rs.fieldIndex(l.campo) >= 0 ? rs.value(l.campo) : QVariant());
@@ -585,7 +582,7 @@ void FormRecord::vaiA(qint64 posizione)
 void FormRecord::Riposiziona()
 {
     store::Recordset &rs = recordset();
-    const bool valida = !rs.isEmpty() && !rs.bof() && !rs.eof();
+    const bool valida = rigaCorrente();
     if (valida) {
         m_pannelli->setCurrentIndex(Dettaglio);
         Abilita();
@@ -742,6 +739,17 @@ void FormRecord::CmdRefresh()
     } catch (const store::DbError &e) {
         frame::MostraErrore(m_prompter, e.message());
     }
+}
+
+bool FormRecord::rigaCorrente()
+{
+    store::Recordset &rs = recordset();
+    return !rs.bof() && !rs.eof();
+}
+
+QVariant FormRecord::chiaveCorrente()
+{
+    return rigaCorrente() ? recordset().key() : QVariant();
 }
 
 void FormRecord::mostraDettaglio()

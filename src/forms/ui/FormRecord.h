@@ -105,6 +105,9 @@ protected:
     // Reads the detail source again, staying on the row with `chiave` if it is still there.
     void ricaricaDettaglio(const QVariant &chiave);
     frame::Prompter &prompter() { return m_prompter; }
+    // Whether the detail recordset stands on a row, and that row's key (invalid when none).
+    bool rigaCorrente();
+    QVariant chiaveCorrente();
     // Brings the detail panel in front of the list and the filters.
     void mostraDettaglio();
 
@@ -155,9 +158,7 @@ private:
     ConfigurazioneScheda m_cfg;
     QString m_where;
     QString m_ordine;
-    bool m_solaLettura = true;
-    Layout m_layout = Layout::Gestione;
-    Layout m_layoutPrimaDellaModifica = Layout::Gestione;
+    Layout m_layout = Layout::Gestione; // the last layout outside editing, where "ok" and "annulla" return
 
     QToolBar *m_toolbar;
     QHash<QString, QAction *> m_pulsanti;

@@ -394,10 +394,9 @@ void frmPark::LeggeDati()
     // A movement that may still be corrected opens its boxes to a user with that right:
     // the correction replays the entry or the exit with what they hold.
     const bool correggibile = !annullato && !contabilizzato && (frame::EAmministratore() || pub().OpModificare);
-    for (QWidget *w : {static_cast<QWidget *>(m_ui->TxtT_0), static_cast<QWidget *>(m_ui->TxtTC_0),
-                       static_cast<QWidget *>(m_ui->TDBComboC_0), static_cast<QWidget *>(m_ui->TxtT_1)})
+    for (QWidget *w : std::initializer_list<QWidget *>{m_ui->TxtT_0, m_ui->TxtTC_0, m_ui->TDBComboC_0, m_ui->TxtT_1,
+                                                      m_ui->TxtT_4})
         w->setEnabled(correggibile);
-    m_ui->TxtT_4->setEnabled(correggibile);
 }
 
 PannelloMovimento frmPark::pannello() const
@@ -419,7 +418,7 @@ void frmPark::EntraEsce()
     if (!entrata)
         m_ui->TDBGrid2->setFocus();
     store::Recordset &rs = recordset();
-    const QVariant prima = rs.bof() || rs.eof() ? QVariant() : rs.key();
+    const QVariant prima = chiaveCorrente();
     const EsitoEntraEsce esito = parking::EntraEsce(rs, entrata, false, p, prompter(), m_adesso);
     m_ui->TxtT_0->setText(p.targa);
     if (esito.collisione) {
@@ -472,7 +471,7 @@ void frmPark::ComAnn()
     const EsitoCorrezione esito = parking::ComAnn(recordset(), autorizzazione(), prompter());
     if (esito.aggiorna) {
         try {
-            ricaricaDettaglio(recordset().bof() || recordset().eof() ? QVariant() : recordset().key());
+            ricaricaDettaglio(chiaveCorrente());
         } catch (const store::DbError &e) {
             frame::MostraErrore(prompter(), e.message());
         }
