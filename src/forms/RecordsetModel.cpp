@@ -39,6 +39,10 @@ RecordsetModel::RecordsetModel(store::Database &db, const QString &sql, const QV
     m_sql = sql;
     ricalcolaColonne();
     primaPagina();
+    m_ascolto = m_db.listen([this](store::Database::Event e) {
+        if (e == store::Database::Event::Reopened)
+            rileggi();
+    });
 }
 
 RecordsetModel::~RecordsetModel() = default;
@@ -73,6 +77,28 @@ void RecordsetModel::riapri(const QString &sql, const QVariantList &params)
 void RecordsetModel::aggiorna()
 {
     apri(m_sql, m_params);
+}
+
+void RecordsetModel::rileggi()
+{
+    if (m_rs->editMode() != store::Recordset::EditMode::None)
+        return;
+    QVariant chiave;
+    if (m_rs->AbsolutePosition() >= 0) {
+        try {
+            chiave = m_rs->key();
+        } catch (const store::DbError &) {
+            // a row deleted just before: the list starts from its first row
+        }
+    }
+    const bool tutto = m_completo;
+    apri(m_sql, m_params);
+    if (tutto)
+        caricaTutto();
+    const int riga = chiave.isValid() ? posizione(chiave) : -1;
+    if (riga >= 0)
+        m_rs->setAbsolutePosition(riga);
+    emit riletto();
 }
 
 void RecordsetModel::ricalcolaColonne()

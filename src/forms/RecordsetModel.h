@@ -39,6 +39,9 @@ public:
     void riapri(const QString &sql, const QVariantList &params = {});
     // Reads the same query again.
     void aggiorna();
+    // Reads the same query again on the same record (after work on the whole
+    // file, which may have replaced it); an edit in progress keeps its set.
+    void rileggi();
     store::Recordset &recordset() { return *m_rs; }
     const QString &sql() const { return m_sql; }
     // The query as it was given, before any sort by the user.
@@ -87,6 +90,10 @@ public:
     // The query with its final order clause replaced by `ordine` (removed when empty).
     static QString conOrdine(const QString &sql, const QString &ordine);
 
+signals:
+    // The list was read again on its own, after work on the whole file.
+    void riletto();
+
 private:
     void apri(const QString &sql, const QVariantList &params);
     void primaPagina();
@@ -109,6 +116,7 @@ private:
     SiNo m_siNo = SiNo::Spunta;
     QString m_si, m_no;
     FunzioneColore m_sfondo, m_testo;
+    store::Database::Subscription m_ascolto; // last: it goes first
 };
 
 // The colours of the movement lists: a cancelled row grey with light text, a

@@ -133,15 +133,44 @@ Recordset::Recordset(Database &db, const QString &sql, const QVariantList &param
             }
         }
     }
+    // Whole-file work closes the file under the set: its statements go, and reading goes on after it.
+    m_listening = m_db.listen([this](Database::Event e) {
+        if (e == Database::Event::Closing)
+            detach();
+    });
 }
 
 Recordset::~Recordset() = default;
+
+void Recordset::detach()
+{
+    m_stmt.reset();
+    m_keyStmt.reset();
+    m_detached = true;
+}
+
+void Recordset::resume()
+{
+    // Reads on from the row where the set stood, with a statement on the reopened file.
+    if (m_keyColumn >= 0) {
+        readKeysOnly();
+        return;
+    }
+    auto st = std::make_unique<Statement>(m_db.prepare(m_sql));
+    st->bindAll(m_params);
+    for (qint64 i = 0; i < m_stepped; ++i)
+        if (!st->step())
+            break;
+    m_stmt = std::move(st);
+    m_detached = false;
+}
 
 void Recordset::openStatement()
 {
     m_stmt = std::make_unique<Statement>(m_db.prepare(m_sql));
     m_stmt->bindAll(m_params);
     m_keyStmt.reset();
+    m_detached = false;
     m_stepped = 0;
     m_exhausted = false;
 }
@@ -171,16 +200,18 @@ bool Recordset::fetchUpTo(qint64 pos)
     if (keyed && !m_keyStmt && !m_exhausted && wholeFrom - m_keys.size() > qint64(MaxBlocks) * BlockSize)
         readKeysOnly();
     while ((keyed ? m_keys.size() : m_unkeyed.size()) <= pos) {
+        if (m_detached && !m_exhausted)
+            resume();
         Statement &st = m_keyStmt ? *m_keyStmt : *m_stmt;
         if (m_exhausted || !st.step()) {
             m_exhausted = true;
             return false;
         }
+        ++m_stepped;
         if (m_keyStmt) {
             takeKey(st.value(0));
             continue;
         }
-        ++m_stepped;
         if (keyed && m_keys.size() < wholeFrom) {
             takeKey(m_stmt->value(m_keyColumn));
             continue;
@@ -212,13 +243,15 @@ void Recordset::readKeysOnly()
     // A statement that selects the key alone can walk an index instead of the
     // table: several times faster over a long way. It takes over from the rows
     // read so far; whole rows are read afterwards a block at a time, by key.
-    m_keyStmt = std::make_unique<Statement>(
+    auto st = std::make_unique<Statement>(
         m_db.prepare(QStringLiteral("select %1 from (%2)").arg(quoteName(m_fields[m_keyColumn].name), m_sql)));
-    m_keyStmt->bindAll(m_params);
+    st->bindAll(m_params);
     for (qint64 i = 0; i < m_stepped; ++i)
-        if (!m_keyStmt->step())
+        if (!st->step())
             break;
+    m_keyStmt = std::move(st);
     m_stmt.reset();
+    m_detached = false;
 }
 
 void Recordset::fetchAll()

@@ -93,6 +93,8 @@ private:
     static constexpr int MaxBlocks = 64;
 
     void openStatement();
+    void detach();
+    void resume();
     bool fetchUpTo(qint64 pos); // reads forward until `pos` is read; false if the set ends first
     void fetchAll();
     void readKeysOnly(); // goes on reading with a statement of the keys alone
@@ -115,7 +117,8 @@ private:
 
     std::unique_ptr<Statement> m_stmt;
     std::unique_ptr<Statement> m_keyStmt; // once set, the rows are read by it, not by m_stmt
-    qint64 m_stepped = 0;                 // rows m_stmt has stepped over
+    qint64 m_stepped = 0;                 // rows of the query stepped over, by either statement
+    bool m_detached = false;              // the file was closed under the set: its statements are gone
     bool m_exhausted = false;
     QVector<Row> m_unkeyed;      // rows of sets without a key: kept whole
     QVector<QVariant> m_keys;    // keys of the rows read so far, in order
@@ -130,6 +133,7 @@ private:
     EditMode m_mode = EditMode::None;
     Row m_buffer;
     QVector<bool> m_dirty;
+    Database::Subscription m_listening; // last: it goes first, before anything it could touch
 };
 
 } // namespace store

@@ -777,7 +777,8 @@ private slots:
         a.execute(u"create temp table probe (x)"_s);
         store::Connections::close(working());
         QVERIFY(!store::Connections::isOpen(working()));
-        Database &b = store::Connections::get(working()); // a new connection: the temporary table is gone
+        Database &b = store::Connections::get(working()); // the same object on a new handle: the temporary table is gone
+        QCOMPARE(&b, &a);
         QCOMPARE(b.scalar(u"select count(*) from sqlite_temp_master where name = 'probe'"_s).toInt(), 0);
         QCOMPARE(b.scalar(u"select count(*) from Fascia"_s).toInt(), 2);
 

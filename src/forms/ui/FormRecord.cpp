@@ -144,6 +144,11 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
     connect(m_filtri, &PannelloFiltro::esegui, this, &FormRecord::Command6);
     connect(m_filtri, &PannelloFiltro::chiudi, this, &FormRecord::Command5);
     connect(m_filtri, &PannelloFiltro::elencoPrecedente, this, &FormRecord::CmdElencoPrec);
+    // After a backup, restore or compaction the record shown is read again from the file.
+    connect(m_dettaglio.get(), &RecordsetModel::riletto, this, [this] {
+        if (recordset().editMode() == store::Recordset::EditMode::None)
+            Riposiziona();
+    });
 
     // The form's keys come before its controls see them.
     const auto tasto = [this](QKeySequence k, std::function<void()> f) {

@@ -17,7 +17,6 @@
 
 #include <DbError.h>
 #include <Sqlite.h>
-#include <Connections.h>
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -121,7 +120,6 @@ bool frmLogin::recupera()
         m_prompter.message(TestoLingua("M0099"), Prompter::Icon::Critical);
         return false;
     }
-    store::Connections::close(pub().Pathdata);
     if (safety::RiparaDatabase(pub().Pathdata, pub().CodaConnessione))
         return true;
     m_prompter.message(TestoLingua("M0096"), Prompter::Icon::Exclamation);

@@ -501,10 +501,12 @@ std::optional<QString> makeBackup(const BackupRequest &request, frame::Prompter 
             prompter.stop(TestoLingua("M0117"));
             return std::nullopt;
         }
-        // The copy is made of the closed file.
-        store::Connections::close(frame::pub().Pathdata);
-        compressTo(frame::pub().Pathdata, *file, request.compressed ? 9 : 0, progress);
-        file->finish();
+        {
+            // The copy is made of the closed file; open windows read it again afterwards.
+            store::Connections::WholeFileWork work(frame::pub().Pathdata);
+            compressTo(frame::pub().Pathdata, *file, request.compressed ? 9 : 0, progress);
+            file->finish();
+        }
 
         // The new row, the deletion of the oldest rows and the new file's name: all or nothing.
         QVector<Listed> dropped;
@@ -583,8 +585,11 @@ bool restoreBackup(const CatalogueEntry &entry, frame::Prompter &prompter, const
         expandTo(source, scratch, progress);
         scratch.finish();
         verifyWorkingDatabase(scratch.temporaryPath(), progress, source);
-        store::Connections::close(working);
-        scratch.commit();
+        {
+            // Open windows show the restored data once the file is in place.
+            store::Connections::WholeFileWork work(working);
+            scratch.commit();
+        }
         prompter.information(TestoLingua("M0027"));
         return true;
     } catch (const BackupError &e) {

@@ -152,8 +152,7 @@ bool compattaFile(const Percorsi &p, const QString &chiave)
     if (!QFileInfo(p.sorgente).isFile() || !togliAppoggio(p.copia))
         return false;
     // The shared connection must not hold the file while it is replaced.
-    store::Connections::close(p.sorgente);
-    store::Connections::close(p.copia);
+    const store::Connections::WholeFileWork work({p.sorgente, p.copia});
     try {
         Fotografia attesa;
         {
@@ -424,7 +423,7 @@ bool RiparaDatabase(const QString &path, const QString &codaConnessione)
     if (!p || !QFileInfo(p->sorgente).isFile())
         return false;
     const QString chiave = store::keyFromConnect(codaConnessione);
-    store::Connections::close(p->sorgente);
+    const store::Connections::WholeFileWork work({p->sorgente, p->copia});
     std::unique_ptr<store::Database> sorgente;
     try {
         sorgente = std::make_unique<store::Database>(p->sorgente, chiave);
