@@ -195,6 +195,7 @@ private slots:
         const qint64 attese = lavoro == Lavoro::Ripristino ? 1 : 2;
         QCOMPARE(park.datPrimaryRS().rowCount(), attese);
         QCOMPARE(progressivi().size(), attese);
+        QVERIFY(park.findChild<QLabel *>(QStringLiteral("LblAuto"))->text().endsWith(QStringLiteral(": %1").arg(attese)));
         entra(QStringLiteral("CD456EF"));
         QList<qint64> numeri;
         for (qint64 i = 1; i <= attese + 1; ++i)

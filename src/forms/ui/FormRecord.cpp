@@ -147,7 +147,7 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
     // After a backup, restore or compaction the record shown is read again from the file.
     connect(m_dettaglio.get(), &RecordsetModel::riletto, this, [this] {
         if (recordset().editMode() == store::Recordset::EditMode::None)
-            Riposiziona();
+            fileRiletto();
     });
 
     // The form's keys come before its controls see them.
@@ -351,6 +351,11 @@ bool FormRecord::verificaInterna(const QString &)
 }
 
 void FormRecord::attivata(bool) {}
+
+void FormRecord::fileRiletto()
+{
+    Riposiziona();
+}
 
 void FormRecord::bottoni(const QString &Azione)
 {

@@ -124,6 +124,8 @@ protected:
     virtual void attivata(bool gestioneAccessi);
     // The layout changed: a form with an operation panel shows or hides it.
     virtual void layoutCambiato(Layout) {}
+    // The file was read again after a backup, restore or compaction: the record shown is read afresh.
+    virtual void fileRiletto();
 
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;

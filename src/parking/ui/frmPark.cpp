@@ -228,6 +228,14 @@ void frmPark::caricaFasce()
     codiceFasciaCambiato(m_ui->TxtTC_0->text());
 }
 
+void frmPark::fileRiletto()
+{
+    // A restored file may hold other bands and other vehicles inside.
+    caricaFasce();
+    m_ui->LblAuto->setText(RigaVeicoliDentro());
+    FormRecord::fileRiletto();
+}
+
 void frmPark::codiceFasciaCambiato(const QString &codice)
 {
     // The code looks itself up in the list; the entry reads whether it was found.

@@ -41,6 +41,7 @@ protected:
     void tastoF5() override;
     void attivata(bool gestioneAccessi) override;
     void layoutCambiato(forms::Layout layout) override;
+    void fileRiletto() override;
 
 private:
     void impostaDidascalie();
