@@ -386,7 +386,7 @@ private slots:
         QFETCH(QString, change);
         const auto resto = parking::RestoDaTesto(money(due), given);
         QCOMPARE(resto.has_value(), valid);
-        QCOMPARE(resto.value_or(Currency()), valid ? money(change) : Currency());
+        QCOMPARE(resto.value_or(store::Currency()), valid ? money(change) : store::Currency());
         if (valid)
             QCOMPARE(parking::CalcolaResto(money(due), *parking::LeggeImporto(given)), money(change));
         // What the box lets through while typing, and how amounts are shown.

@@ -228,7 +228,7 @@ private slots:
                 ScriptedPrompter prompter;
                 const auto e = parking::ScegliOpzione(p, opzione, prompter);
                 QCOMPARE(p.opzione, opzione);
-                QCOMPARE(e.LblAuto, QLatin1String(riga));
+                QCOMPARE(e.LblAuto, QString::fromLatin1(riga));
                 QCOMPARE(parking::RigaConteggio(opzione), e.LblAuto);
                 QCOMPARE(righe(e.ricerca.elenco), giorno.endsWith(QLatin1String("2020")) ? Ids{} : attese);
                 QVERIFY(prompter.messages.isEmpty() && !p.RicercaSilenziosa);
