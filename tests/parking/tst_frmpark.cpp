@@ -89,14 +89,14 @@ private:
     struct Resto {
         bool aperto = false;
         store::Currency importo;
-        QString targa; // the panel's plate behind the box
+        QString numero; // the movement number the panel shows behind the box
         int righe = 0; // rows of the list behind it
     };
     void chiudiResto(Resto *r)
     {
         QTimer::singleShot(0, this, [this, r] {
             if (auto *d = qobject_cast<parking::FrmResto *>(QApplication::activeModalWidget())) {
-                *r = {true, d->importo(), c("TxtT_0")->text(), m_park->datPrimaryRS().rowCount()};
+                *r = {true, d->importo(), c("TxtT_2")->text(), m_park->datPrimaryRS().rowCount()};
                 d->accept();
             }
         });
@@ -182,7 +182,7 @@ private slots:
         QVERIFY(!uscito.entrato);
         QVERIFY(uscito.importo > store::Currency());
         QCOMPARE(resto.importo, uscito.importo);
-        QCOMPARE(resto.targa, QStringLiteral("AB123CD"));
+        QCOMPARE(resto.numero, QStringLiteral("1"));
         QCOMPARE(resto.righe, 2);
         QCOMPARE(m_park->datPrimaryRS().rowCount(), 1);
         QCOMPARE(c<QLabel>("LblAuto")->text(), TestoLingua("M0299") + QStringLiteral(": 1"));
@@ -246,7 +246,7 @@ private slots:
         chiudiResto(&resto);
         c<QPushButton>("ComMod")->click();
         QVERIFY(resto.aperto);
-        QCOMPARE(resto.targa, QStringLiteral("AB123CE"));
+        QCOMPARE(resto.numero, QStringLiteral("1"));
         QCOMPARE(movimenti().size(), 1);
         QCOMPARE(movimenti().first().progressivo, 1);
         QVERIFY(!movimenti().first().entrato);
