@@ -54,22 +54,13 @@ bool haRigaCorrente(store::Recordset &rs)
     return !rs.isEmpty() && !rs.bof() && !rs.eof();
 }
 
-// The row may have gone from the table while a question was open (another
-// window, a year closing): the set's cached copy is not enough to tell.
-bool rigaEsiste(store::Recordset &rs)
+// A refusal told by the row's stored state, which the window's copy did not show:
+// the window reads the row again.
+EsitoCorrezione rifiutaERilegge(Prompter &prompter, const char *chiave)
 {
-    if (!haRigaCorrente(rs))
-        return false;
-    return frame::basedati()
-        .scalar(QStringLiteral("select id from Movimentazioni where id = ?"), {rs.key()})
-        .isValid();
-}
-
-// The author of the row for the rights test; -1 when it has none.
-int autoreRiga(const store::Recordset &rs)
-{
-    const QVariant id = rs.value(QStringLiteral("IdUtente"));
-    return id.isNull() ? -1 : int(id.toLongLong());
+    EsitoCorrezione esito = rifiuta(prompter, chiave);
+    esito.aggiorna = true;
+    return esito;
 }
 
 FuocoPark fuocoDi(Fuoco f)
@@ -92,13 +83,25 @@ EsitoCorrezione correggi(store::Recordset &rs, const QString &statoMovimento, Pa
         return rifiuta(prompter, "M0049");
     if (!haRigaCorrente(rs))
         return rifiuta(prompter, "M0050");
+    // The row as stored decides; the replay checks it again in its own transaction.
+    const std::optional<StatoMovimento> stato = LeggeStato(rs.key());
+    if (!stato)
+        return rifiutaERilegge(prompter, "M0050");
     // The tag's letter; AutorizzaOperazione shows its own refusal.
-    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("modifica"), autorizzazione, autoreRiga(rs)))
+    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("modifica"), autorizzazione, stato->autore))
         return allaGriglia();
-    if (rs.value(QStringLiteral("Annullato")).toBool())
-        return rifiuta(prompter, "M0051");
-    if (rs.value(QStringLiteral("Contabilizzato")).toBool())
-        return rifiuta(prompter, "M0052");
+    if (stato->annullato)
+        return rifiutaERilegge(prompter, "M0051");
+    if (stato->contabilizzato)
+        return rifiutaERilegge(prompter, "M0052");
+    // Boxes emptied or filled for another row are never written: the panel shows
+    // the row first, and the user corrects what it shows.
+    if (!PannelloDellaRiga(rs, pannello)) {
+        EsitoCorrezione esito;
+        esito.aggiorna = true;
+        esito.fuoco = FuocoPark::Targa;
+        return esito;
+    }
     if (!prompter.confirm(TestoLingua("M0053"), Prompter::Icon::Exclamation))
         return allaGriglia();
 
@@ -118,9 +121,9 @@ EsitoCorrezione correggi(store::Recordset &rs, const QString &statoMovimento, Pa
     EsitoCorrezione esito;
     esito.entraEsce = EntraEsce(rs, entrata, true, pannello, prompter, adesso);
     esito.eseguito = esito.entraEsce.scritto;
-    esito.fuoco = fuocoDi(esito.entraEsce.fuoco);
+    esito.fuoco = esito.entraEsce.rileggi ? FuocoPark::Griglia : fuocoDi(esito.entraEsce.fuoco);
     // A written replay ends as the action button does: refresh, then the count line.
-    esito.aggiorna = esito.eseguito;
+    esito.aggiorna = esito.eseguito || esito.entraEsce.rileggi;
     esito.contaVeicoli = esito.eseguito;
     return esito;
 }
@@ -131,22 +134,35 @@ EsitoCorrezione annulla(store::Recordset &rs, const QString &autorizzazione, Pro
         return rifiuta(prompter, "M0054");
     if (!haRigaCorrente(rs))
         return rifiuta(prompter, "M0055");
+    const QVariant id = rs.key();
+    const std::optional<StatoMovimento> stato = LeggeStato(id);
+    if (!stato)
+        return rifiutaERilegge(prompter, "M0055");
     // A cancellation takes the place of a delete, so it needs the right to delete.
-    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("elimina"), autorizzazione, autoreRiga(rs)))
+    if (!frame::AutorizzaOperazione(prompter, QStringLiteral("elimina"), autorizzazione, stato->autore))
         return allaGriglia();
-    if (rs.value(QStringLiteral("Contabilizzato")).toBool())
-        return rifiuta(prompter, "M0056");
+    if (stato->contabilizzato)
+        return rifiutaERilegge(prompter, "M0056");
     if (prompter.question(TestoLingua("M0057") + QStringLiteral("\n\n") + TestoLingua("M0006"),
                           Prompter::Buttons::OkCancel, Prompter::Answer::Cancel, QString(), Prompter::Icon::Stop)
         != Prompter::Answer::Ok)
         return {};
-    if (!rigaEsiste(rs))
-        return {};
 
+    // The question may have stood open while the row was posted or removed.
+    store::Transaction transazione(frame::basedati());
+    const std::optional<StatoMovimento> ora = LeggeStato(id);
+    if (!ora) {
+        EsitoCorrezione esito;
+        esito.aggiorna = true;
+        return esito;
+    }
+    if (ora->contabilizzato)
+        return rifiutaERilegge(prompter, "M0056");
     rs.Edit();
     rs.setValue(QStringLiteral("Annullato"), true);
     rs.setValue(QStringLiteral("Idutente"), pub().IdUtenteCorrente);
     rs.Update();
+    transazione.commit();
 
     EsitoCorrezione esito;
     esito.eseguito = true;

@@ -27,7 +27,8 @@ enum class FuocoPark {
 struct EsitoCorrezione {
     bool eseguito = false;      // the movement was rewritten
     FuocoPark fuoco = FuocoPark::Nessuno;
-    bool aggiorna = false;      // re-read the list (bottoni("refresh")) and the panel (LeggeDati)
+    bool aggiorna = false;      // re-read the list and the panel (LeggeDati): after a write, or when the
+                                // row or the panel was not as shown
     bool contaVeicoli = false;  // with OptEn chosen, set LblAuto to RigaVeicoliDentro()
     EsitoEntraEsce entraEsce;   // a correction's replay: print the slip, open FrmResto with its amount
 };
@@ -44,14 +45,16 @@ QString RigaVeicoliDentro();
 // Corrects the movement current in `rs` (a set over Q_Movimentazioni_Utenti)
 // by replaying its entry or its exit with the panel as it stands, chosen by
 // the status word `statoMovimento` (TxtT(4)). The row keeps its id, number and
-// year; an exit is priced again up to the moment of the correction.
-// `autorizzazione` is the letter in the window's tag ("" for administrator).
+// year; an exit is priced again up to the moment of the correction. A panel
+// not filled from the current row is not written: the window is asked to show
+// the row instead. `autorizzazione` is the letter in the window's tag ("" for administrator).
 EsitoCorrezione ComMod(store::Recordset &rs, const QString &statoMovimento, PannelloMovimento &pannello,
                        const QString &autorizzazione, frame::Prompter &prompter,
                        const Orologio &adesso = OraDiSistema);
 
 // Cancels the movement current in `rs`: marks it Annullato and gives it the
-// signed-in user as IdUtente. The row and its number stay.
+// signed-in user as IdUtente. The row and its number stay. Both operations
+// decide on the row as stored, read again inside the transaction of their write.
 EsitoCorrezione ComAnn(store::Recordset &rs, const QString &autorizzazione, frame::Prompter &prompter);
 
 } // namespace parking

@@ -3,6 +3,7 @@
 
 #include "Tariffa.h"
 
+#include <Database.h>
 #include <DbError.h>
 #include <Language.h>
 #include <Prompter.h>
@@ -58,7 +59,53 @@ qint32 VeicoliDentro()
                       .toLongLong());
 }
 
+std::optional<StatoMovimento> LeggeStato(const QVariant &id)
+{
+    store::Statement st = frame::basedati().prepare(
+        QStringLiteral("select Entrato, Annullato, Contabilizzato, IdUtente from Movimentazioni where id = ?"));
+    st.bind(1, id);
+    if (!st.step())
+        return std::nullopt;
+    StatoMovimento s;
+    s.entrato = st.value(0).toLongLong() != 0;
+    s.annullato = st.value(1).toLongLong() != 0;
+    s.contabilizzato = st.value(2).toLongLong() != 0;
+    s.autore = st.value(3).isNull() ? -1 : int(st.value(3).toLongLong());
+    return s;
+}
+
+bool PannelloDellaRiga(store::Recordset &rs, const PannelloMovimento &pannello)
+{
+    return pannello.id.isValid() && !rs.isEmpty() && !rs.bof() && !rs.eof()
+        && rs.key().toLongLong() == pannello.id.toLongLong();
+}
+
 namespace {
+
+EsitoEntraEsce rileggi()
+{
+    EsitoEntraEsce esito;
+    esito.rileggi = true;
+    return esito;
+}
+
+// A write to an existing row is decided on the row as stored, read inside the
+// write's transaction, never on the copy the window showed: it may have been
+// posted, cancelled or taken out since. A correction needs a row neither
+// cancelled nor posted; an exit needs a vehicle still inside.
+std::optional<EsitoEntraEsce> rifiutoDiStato(store::Recordset &rs, bool Variazione, frame::Prompter &prompter)
+{
+    const std::optional<StatoMovimento> s = LeggeStato(rs.key());
+    if (!s)
+        return rileggi(); // gone: there is nothing left to write to
+    if (Variazione && (s->annullato || s->contabilizzato))
+        prompter.information(TestoLingua(s->annullato ? "M0051" : "M0052"));
+    else if (!Variazione && (!s->entrato || s->annullato || s->contabilizzato))
+        prompter.stop(TestoLingua("MOV01")); // the vehicle is no longer inside
+    else
+        return std::nullopt;
+    return rileggi();
+}
 
 EsitoEntraEsce rifiuta(frame::Prompter &prompter, const char *chiave, Fuoco fuoco)
 {
@@ -76,6 +123,8 @@ QString domanda(const char *chiave, const QString &targa)
 EsitoEntraEsce entrata(store::Recordset &rs, bool Variazione, PannelloMovimento &p, frame::Prompter &prompter,
                        const Orologio &adesso)
 {
+    if (Variazione && !PannelloDellaRiga(rs, p))
+        return rileggi();
     p.targa = p.targa.trimmed();
     if (p.targa.isEmpty() && pub().TgObbligatoria)
         return rifiuta(prompter, "M0062", Fuoco::Targa);
@@ -88,10 +137,16 @@ EsitoEntraEsce entrata(store::Recordset &rs, bool Variazione, PannelloMovimento 
     if (!prompter.confirm(domanda("M0066", p.targa)))
         return {};
 
-    if (Variazione)
+    // A new row takes its number outside any transaction: the counter is committed on its own.
+    std::optional<store::Transaction> transazione;
+    if (Variazione) {
+        transazione.emplace(frame::basedati());
+        if (auto rifiuto = rifiutoDiStato(rs, true, prompter))
+            return *rifiuto;
         rs.Edit();
-    else
+    } else {
         rs.AddNew();
+    }
     rs.setValue(QStringLiteral("entrato"), true);
     rs.setValue(QStringLiteral("targa"), p.targa);
     rs.setValue(QStringLiteral("idfascia"), p.fascia);
@@ -127,6 +182,8 @@ EsitoEntraEsce entrata(store::Recordset &rs, bool Variazione, PannelloMovimento 
         }
     }
     rs.Update();
+    if (transazione)
+        transazione->commit();
     rs.MoveLastModified();
     EsitoEntraEsce esito;
     esito.scritto = true;
@@ -134,12 +191,18 @@ EsitoEntraEsce entrata(store::Recordset &rs, bool Variazione, PannelloMovimento 
     return esito;
 }
 
-EsitoEntraEsce uscita(store::Recordset &rs, PannelloMovimento &p, frame::Prompter &prompter, const Orologio &adesso)
+EsitoEntraEsce uscita(store::Recordset &rs, bool Variazione, PannelloMovimento &p, frame::Prompter &prompter,
+                      const Orologio &adesso)
 {
+    if (!PannelloDellaRiga(rs, p))
+        return rileggi();
     if (p.dataIngresso.isValid() && adesso() < p.dataIngresso.startOfDay())
         return rifiuta(prompter, "M0071", Fuoco::Nessuno);
     if (!prompter.confirm(domanda("M0072", p.targa)))
         return {};
+    store::Transaction transazione(frame::basedati());
+    if (auto rifiuto = rifiutoDiStato(rs, Variazione, prompter))
+        return *rifiuto;
     rs.Edit();
     rs.setValue(QStringLiteral("entrato"), false);
     rs.setValue(QStringLiteral("dataoraOut"), adesso());
@@ -149,6 +212,7 @@ EsitoEntraEsce uscita(store::Recordset &rs, PannelloMovimento &p, frame::Prompte
     if (!CalcolaImporto(rs, frame::basedati(), prompter, adesso()))
         return {};
     rs.Update();
+    transazione.commit();
     EsitoEntraEsce esito;
     esito.scritto = true;
     esito.stampa = pub().StampaUscita;
@@ -165,7 +229,7 @@ EsitoEntraEsce EntraEsce(store::Recordset &rs, bool Entrata, bool Variazione, Pa
                          frame::Prompter &prompter, const Orologio &adesso)
 {
     try {
-        return Entrata ? entrata(rs, Variazione, pannello, prompter, adesso) : uscita(rs, pannello, prompter, adesso);
+        return Entrata ? entrata(rs, Variazione, pannello, prompter, adesso) : uscita(rs, Variazione, pannello, prompter, adesso);
     } catch (const store::DbError &e) {
         if (rs.editMode() != store::Recordset::EditMode::None)
             rs.CancelUpdate();

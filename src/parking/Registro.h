@@ -8,6 +8,7 @@
 #include <QVariant>
 
 #include <functional>
+#include <optional>
 
 namespace frame {
 class Prompter;
@@ -29,6 +30,7 @@ struct PannelloMovimento {
     QString fascia;            // TxtTC(0)
     bool fasciaNonTrovata = false; // the last look-up of TxtTC(0) in the band list found nothing
     QDate dataIngresso;        // TDBDGG
+    QVariant id;               // key of the movement the boxes were filled from; invalid for a new entry
 };
 
 // Where the window puts the focus after a refusal.
@@ -42,7 +44,23 @@ struct EsitoEntraEsce {
     bool stampa = false;          // print the slip of the written movement
     bool resto = false;           // open the change calculator with `importo`
     store::Currency importo;
+    bool rileggi = false;         // the row is not as shown: read the list and the panel again
 };
+
+// A movement's state as the database holds it at the moment of reading.
+struct StatoMovimento {
+    bool entrato = false;
+    bool annullato = false;
+    bool contabilizzato = false;
+    int autore = -1; // IdUtente; -1 when it has none
+};
+
+// The state of the movement `id`, read from its row; nullopt when the row is gone.
+std::optional<StatoMovimento> LeggeStato(const QVariant &id);
+
+// Whether the panel's boxes were filled from the row current in `rs`: only
+// then may a write to that row take what they hold.
+bool PannelloDellaRiga(store::Recordset &rs, const PannelloMovimento &pannello);
 
 // The last number of a counter, or the highest value in use, read through
 // `Condizione`. With `Aggiorna` on the counter table the counter is advanced
@@ -57,6 +75,8 @@ qint32 VeicoliDentro();
 // Records an entry (`Entrata`) or an exit of the movement current in `rs`, a set
 // over Q_Movimentazioni_Utenti. `Variazione` corrects the current row in place:
 // an entry keeps its number and year. The panel's plate is trimmed in place.
+// Writing to an existing row needs a panel filled from that row, and a row
+// whose stored state still allows the write, read in the write's transaction.
 EsitoEntraEsce EntraEsce(store::Recordset &rs, bool Entrata, bool Variazione, PannelloMovimento &pannello,
                          frame::Prompter &prompter, const Orologio &adesso = OraDiSistema);
 

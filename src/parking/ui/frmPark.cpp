@@ -331,6 +331,7 @@ void frmPark::sincronizzaGriglia(qint64 posizione)
 
 void frmPark::Ingresso()
 {
+    m_chiavePannello = QVariant();
     Abilita();
     m_ui->CmdEntraEsce->setText(TestoLingua("M0194"));
     m_ui->CmdEntraEsce->setEnabled(true);
@@ -370,6 +371,7 @@ void frmPark::LeggeDati()
         w->setEnabled(false);
 
     store::Recordset &rs = recordset();
+    m_chiavePannello = rs.key();
     const auto testo = [&rs](const char *campo) { return rs.value(QLatin1String(campo)).toString(); };
     const bool entrato = rs.value(QStringLiteral("Entrato")).toBool();
     const bool annullato = rs.value(QStringLiteral("Annullato")).toBool();
@@ -401,10 +403,14 @@ void frmPark::LeggeDati()
 
     // A movement that may still be corrected opens its boxes to a user with that right:
     // the correction replays the entry or the exit with what they hold.
-    const bool correggibile = !annullato && !contabilizzato && (frame::EAmministratore() || pub().OpModificare);
+    apriCorrezione(!annullato && !contabilizzato && (frame::EAmministratore() || pub().OpModificare));
+}
+
+void frmPark::apriCorrezione(bool aperta)
+{
     for (QWidget *w : std::initializer_list<QWidget *>{m_ui->TxtT_0, m_ui->TxtTC_0, m_ui->TDBComboC_0, m_ui->TxtT_1,
                                                       m_ui->TxtT_4})
-        w->setEnabled(correggibile);
+        w->setEnabled(aperta);
 }
 
 PannelloMovimento frmPark::pannello() const
@@ -414,6 +420,7 @@ PannelloMovimento frmPark::pannello() const
     p.note = m_ui->TxtT_1->text();
     p.fascia = m_ui->TxtTC_0->text();
     p.fasciaNonTrovata = m_fasciaNonTrovata;
+    p.id = m_chiavePannello;
     if (const auto giorno = frame::LeggeData(m_ui->TDBDGG->text()))
         p.dataIngresso = *giorno;
     return p;
@@ -430,8 +437,12 @@ void frmPark::EntraEsce()
     const EsitoEntraEsce esito = parking::EntraEsce(rs, entrata, false, p, prompter(), m_adesso);
     m_ui->TxtT_0->setText(p.targa);
     if (esito.collisione) {
-        ricaricaDettaglio(prima);
+        rilegge(prima);
         Ingresso();
+        return;
+    }
+    if (esito.rileggi) {
+        rilegge(prima);
         return;
     }
     if (!esito.scritto) {
@@ -446,15 +457,15 @@ void frmPark::EntraEsce()
 
 void frmPark::fineOperazione(const EsitoEntraEsce &esito, qint64 id, bool entrata)
 {
-    try {
-        ricaricaDettaglio(id);
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(prompter(), e.message());
-    }
     if (esito.stampa)
         StampaMovimento(m_report, id, entrata);
-    if (esito.resto)
+    if (esito.resto) {
+        // Behind the calculator the panel shows the exit just written, not the
+        // row that a re-read list would put in its place.
+        LeggeDati();
         FrmResto::Mostra(esito.importo, this);
+    }
+    rilegge(id);
     bottoni(QStringLiteral("refresh"));
     if (m_ui->PicRicRap->isVisible() && m_ui->TxtProg->isVisible() && m_ui->TxtProg->isEnabled())
         m_ui->TxtProg->setFocus();
@@ -468,23 +479,28 @@ void frmPark::ComMod()
     const EsitoCorrezione esito = parking::ComMod(recordset(), m_ui->TxtT_4->currentText(), p, autorizzazione(),
                                                   prompter(), m_adesso);
     m_ui->TxtT_0->setText(p.targa);
-    if (esito.entraEsce.scritto) {
+    if (esito.entraEsce.scritto)
         fineOperazione(esito.entraEsce, recordset().key().toLongLong(), m_ui->TxtT_4->currentIndex() == 0);
-    }
+    else if (esito.aggiorna)
+        rilegge(chiaveCorrente());
     dopoCorrezione(esito);
 }
 
 void frmPark::ComAnn()
 {
     const EsitoCorrezione esito = parking::ComAnn(recordset(), autorizzazione(), prompter());
-    if (esito.aggiorna) {
-        try {
-            ricaricaDettaglio(chiaveCorrente());
-        } catch (const store::DbError &e) {
-            frame::MostraErrore(prompter(), e.message());
-        }
-    }
+    if (esito.aggiorna)
+        rilegge(chiaveCorrente());
     dopoCorrezione(esito);
+}
+
+void frmPark::rilegge(const QVariant &chiave)
+{
+    try {
+        ricaricaDettaglio(chiave);
+    } catch (const store::DbError &e) {
+        frame::MostraErrore(prompter(), e.message());
+    }
 }
 
 void frmPark::dopoCorrezione(const EsitoCorrezione &esito)
@@ -527,6 +543,9 @@ void frmPark::azioneRefresh()
         m_ui->TxtProg->setFocus();
     m_ui->TxtT_0->clear();
     m_ui->TxtT_1->clear();
+    // The emptied boxes no longer show a row: a correction must show it again first.
+    m_chiavePannello = QVariant();
+    apriCorrezione(false);
 }
 
 void frmPark::tastoF1()

@@ -52,6 +52,8 @@ private:
     PannelloMovimento pannello() const;
     PannelloRicerca pannelloRicerca() const;
     void fineOperazione(const EsitoEntraEsce &esito, qint64 id, bool entrata);
+    void rilegge(const QVariant &chiave);
+    void apriCorrezione(bool aperta);
     void dopoCorrezione(const EsitoCorrezione &esito);
     void fuoco(int dove);
     void ComMod();
@@ -64,6 +66,7 @@ private:
     Orologio m_adesso = OraDiSistema;
     bool m_prossimaEntrata = true;
     bool m_fasciaNonTrovata = false;
+    QVariant m_chiavePannello; // the movement the panel's boxes were filled from; invalid when none
 };
 
 } // namespace parking
