@@ -5,6 +5,7 @@
 #include <TestoCasella.h>
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QToolTip>
 
 namespace frame {
@@ -56,6 +57,14 @@ bool CasellaTesto::confermaTutte(const QWidget *finestra)
         c->m_rifiuto = false;
     }
     return tutte;
+}
+
+void CasellaTesto::focusInEvent(QFocusEvent *event)
+{
+    QLineEdit::focusInEvent(event);
+    // Typing replaces what the box shows, however the focus came; a click places the cursor.
+    if (event->reason() != Qt::MouseFocusReason)
+        selectAll();
 }
 
 void CasellaTesto::mostra(const QString &testo)

@@ -47,6 +47,7 @@ protected:
     virtual QString messaggioRifiuto() const = 0;
     // Shows a value's text and takes it as the one to go back to.
     void mostra(const QString &testo);
+    void focusInEvent(QFocusEvent *event) override;
 
 private:
     QString m_accettato;
