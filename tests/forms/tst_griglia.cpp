@@ -54,9 +54,7 @@ private slots:
     void ordinePerIntestazione();
     void posizioneDiUnaChiave();
     void aggiuntaDelRecordset();
-    void salvaECaricaLayout();
-    void layoutCorrottoOEstraneo();
-    void eliminaLayout();
+    void layoutGriglia();
 
 private:
     std::unique_ptr<TestDatabase> m_db;
@@ -289,111 +287,75 @@ void TestGriglia::aggiuntaDelRecordset()
     QVERIFY(!tutti.peek(Movimenti, [](const store::Recordset &) {}));
 }
 
-void TestGriglia::salvaECaricaLayout()
+// Layouts by name in one file, a foreign or broken file ignored, the user's data folder
+// when the program folder can't be written, and the file removed on request.
+void TestGriglia::layoutGriglia()
 {
     RecordsetModel model(frame::basedati(), Tutti);
-    QTableView griglia;
-    griglia.setObjectName(QStringLiteral("grdDataGrid"));
+    QTableView griglia, nuova;
     griglia.setModel(&model);
-    QHeaderView *h = griglia.horizontalHeader();
-    const int targa = model.colonna(QStringLiteral("Targa"));
-    const int anno = model.colonna(QStringLiteral("Anno"));
-    const int note = model.colonna(QStringLiteral("Note"));
+    nuova.setModel(&model);
+    for (QTableView *g : {&griglia, &nuova})
+        g->setObjectName(QStringLiteral("grdDataGrid"));
+    QHeaderView *h = griglia.horizontalHeader(), *n = nuova.horizontalHeader();
+    const int targa = model.colonna(QStringLiteral("Targa")), anno = model.colonna(QStringLiteral("Anno")),
+              note = model.colonna(QStringLiteral("Note"));
     h->moveSection(h->visualIndex(targa), 0);
     h->resizeSection(targa, 173);
     h->setSectionHidden(note, true);
     QVERIFY(forms::SalvaLayoutGriglia(griglia));
-    const QString file = m_programma.path() + QStringLiteral("/TdbLayout");
-    QVERIFY(QFileInfo::exists(file));
-    QCOMPARE(forms::PercorsoLayoutGriglia(), file);
-    // A second layout of another name lives in the same file.
+    QCOMPARE(forms::PercorsoLayoutGriglia(), m_programma.path() + QStringLiteral("/TdbLayout"));
+    QVERIFY(QFileInfo::exists(forms::PercorsoLayoutGriglia()));
     h->setSectionHidden(anno, true);
     QVERIFY(forms::SalvaLayoutGriglia(griglia, QStringLiteral("clienti2")));
-    RecordsetModel altro(frame::basedati(), Tutti);
-    QTableView nuova;
-    nuova.setObjectName(QStringLiteral("grdDataGrid"));
-    nuova.setModel(&altro);
-    QHeaderView *n = nuova.horizontalHeader();
     QVERIFY(forms::CaricaLayoutGriglia(nuova));
-    QCOMPARE(n->logicalIndex(0), targa);
-    QCOMPARE(n->sectionSize(targa), 173);
-    QVERIFY(n->isSectionHidden(note));
-    QVERIFY(!n->isSectionHidden(anno));
+    QVERIFY(n->logicalIndex(0) == targa && n->sectionSize(targa) == 173 && n->isSectionHidden(note) && !n->isSectionHidden(anno));
     QVERIFY(forms::CaricaLayoutGriglia(nuova, QStringLiteral("clienti2")));
     QVERIFY(n->isSectionHidden(anno));
-    // A name the file doesn't hold: the default layout.
-    QVERIFY(!forms::CaricaLayoutGriglia(nuova, QStringLiteral("nessuno")));
-    QCOMPARE(n->logicalIndex(0), 0);
-    QVERIFY(!n->isSectionHidden(note));
-    // A program folder that can't be written: the user's data folder.
+    QVERIFY(!forms::CaricaLayoutGriglia(nuova, QStringLiteral("nessuno"))); // an unknown name: the default layout
+    QVERIFY(n->logicalIndex(0) == 0 && !n->isSectionHidden(note));
+
+    const QString rotto = forms::PercorsoLayoutGriglia(QStringLiteral("rotto.tdb"));
+    for (const QByteArray &contenuto : {QByteArray("\x00\xff\x13garbage{{[", 13), QByteArray(R"({"format":"other","version":1,"layouts":{"grdDataGrid":{}}})"),
+                                        QByteArray(R"({"format":"veltano-grid-layouts","version":1,"layouts":{"grdDataGrid":)"
+                                                   R"({"columns":[7,{"field":"Targa","width":"wide","hidden":3},{"field":12}]}}})"),
+                                        QByteArray("[1,2,3]")}) {
+        n->moveSection(3, 0);
+        QFile f(rotto);
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(contenuto) == contenuto.size());
+        f.close();
+        const bool letto = forms::CaricaLayoutGriglia(nuova, QString(), QStringLiteral("rotto.tdb"));
+        // Only the third is ours: its one usable entry moves Targa first, the rest is ignored.
+        QCOMPARE(letto, contenuto.contains("veltano-grid-layouts"));
+        QCOMPARE(n->logicalIndex(0), letto ? targa : 0);
+        QCOMPARE(n->sectionSize(targa), n->defaultSectionSize());
+        for (int c = 0; c < model.columnCount(); ++c)
+            QVERIFY(!n->isSectionHidden(c));
+    }
+    QVERIFY(forms::SalvaLayoutGriglia(nuova, QString(), QStringLiteral("rotto.tdb"))); // a good file over a foreign one
+    QVERIFY(forms::CaricaLayoutGriglia(nuova, QString(), QStringLiteral("rotto.tdb")));
+
     frame::pub().CartellaProgramma = QStringLiteral("/nonexistent/veltano/");
-    QVERIFY(forms::PercorsoLayoutGriglia(QStringLiteral("clienti.tdb")).startsWith(
-        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)));
+    const QString altrove = forms::PercorsoLayoutGriglia(QStringLiteral("clienti.tdb"));
+    QVERIFY(altrove.startsWith(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)));
     QVERIFY(forms::SalvaLayoutGriglia(griglia, QString(), QStringLiteral("clienti.tdb")));
     QVERIFY(forms::CaricaLayoutGriglia(nuova, QString(), QStringLiteral("clienti.tdb")));
     QCOMPARE(n->logicalIndex(0), targa);
-    QVERIFY(QFile::remove(forms::PercorsoLayoutGriglia(QStringLiteral("clienti.tdb"))));
-    frame::pub().CartellaProgramma = m_programma.path() + QLatin1Char('/');
-}
-
-void TestGriglia::layoutCorrottoOEstraneo()
-{
-    RecordsetModel model(frame::basedati(), Tutti);
-    QTableView griglia;
-    griglia.setObjectName(QStringLiteral("grdDataGrid"));
-    griglia.setModel(&model);
-    QHeaderView *h = griglia.horizontalHeader();
-    const QString file = forms::PercorsoLayoutGriglia(QStringLiteral("rotto.tdb"));
-    const QList<QByteArray> contenuti{QByteArray("\x00\xff\x13garbage{{[", 13),
-                                      QByteArray(R"({"format":"other","version":1,"layouts":{"grdDataGrid":{}}})"),
-                                      QByteArray(R"({"format":"veltano-grid-layouts","version":1,"layouts":{"grdDataGrid":)"
-                                                 R"({"columns":[7,{"field":"Targa","width":"wide","hidden":3},{"field":12}]}}})"),
-                                      QByteArray("[1,2,3]")};
-    for (const QByteArray &contenuto : contenuti) {
-        h->moveSection(3, 0);
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(contenuto);
-        f.close();
-        const bool letto = forms::CaricaLayoutGriglia(griglia, QString(), QStringLiteral("rotto.tdb"));
-        // Only the third is ours: its one usable entry moves Targa first, the rest is ignored.
-        QCOMPARE(letto, contenuto.contains("veltano-grid-layouts"));
-        QCOMPARE(h->logicalIndex(0), letto ? model.colonna(QStringLiteral("Targa")) : 0);
-        QCOMPARE(h->sectionSize(model.colonna(QStringLiteral("Targa"))), h->defaultSectionSize());
-        for (int c = 0; c < model.columnCount(); ++c)
-            QVERIFY(!h->isSectionHidden(c));
-    }
-    // Saving over a foreign file writes a good one.
-    QVERIFY(forms::SalvaLayoutGriglia(griglia, QString(), QStringLiteral("rotto.tdb")));
-    QVERIFY(forms::CaricaLayoutGriglia(griglia, QString(), QStringLiteral("rotto.tdb")));
-    QFile::remove(file);
-}
-
-void TestGriglia::eliminaLayout()
-{
-    RecordsetModel model(frame::basedati(), Tutti);
-    QTableView griglia;
-    griglia.setObjectName(QStringLiteral("grdDataGrid"));
-    griglia.setModel(&model);
-    griglia.horizontalHeader()->setSectionHidden(0, true);
-    QVERIFY(forms::SalvaLayoutGriglia(griglia, QString(), QStringLiteral("elimina.tdb")));
-    const QString file = forms::PercorsoLayoutGriglia(QStringLiteral("elimina.tdb"));
-    ScriptedPrompter no;
+    ScriptedPrompter no, si, ancora;
     no.answer(frame::Prompter::Answer::Cancel);
-    QVERIFY(!forms::EliminaLayoutGriglia(griglia, QStringLiteral("elimina.tdb"), no));
+    QVERIFY(!forms::EliminaLayoutGriglia(nuova, QStringLiteral("clienti.tdb"), no));
     QCOMPARE(no.questions, QStringList{frame::TestoLingua("M0090")});
     QCOMPARE(no.questionIcons.value(0), frame::Prompter::Icon::Information);
-    QVERIFY(QFileInfo::exists(file));
-    ScriptedPrompter si;
+    QVERIFY(QFileInfo::exists(altrove));
     si.answer(frame::Prompter::Answer::Ok);
-    QVERIFY(forms::EliminaLayoutGriglia(griglia, QStringLiteral("elimina.tdb"), si));
-    QVERIFY(!QFileInfo::exists(file));
+    QVERIFY(forms::EliminaLayoutGriglia(nuova, QStringLiteral("clienti.tdb"), si));
+    QVERIFY(!QFileInfo::exists(altrove));
     QCOMPARE(si.messages.value(0).text, frame::TestoLingua("M0091"));
-    QVERIFY(!griglia.horizontalHeader()->isSectionHidden(0)); // back to the default layout
-    ScriptedPrompter ancora;
+    QVERIFY(!n->isSectionHidden(note) && n->logicalIndex(0) == 0); // back to the default layout
     ancora.answer(frame::Prompter::Answer::Ok);
-    QVERIFY(!forms::EliminaLayoutGriglia(griglia, QStringLiteral("elimina.tdb"), ancora));
+    QVERIFY(!forms::EliminaLayoutGriglia(nuova, QStringLiteral("clienti.tdb"), ancora));
     QCOMPARE(ancora.messages.value(0).text, frame::TestoLingua("M0092"));
+    frame::pub().CartellaProgramma = m_programma.path() + QLatin1Char('/');
 }
 
 QTEST_MAIN(TestGriglia)

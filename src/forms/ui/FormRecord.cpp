@@ -2,6 +2,7 @@
 #include "FormRecord.h"
 
 #include "Didascalie.h"
+#include "StampaGriglia.h"
 
 #include <CasellaData.h>
 #include <Colori.h>
@@ -244,7 +245,7 @@ QWidget *FormRecord::creaPannelloElenco()
         if (b.azione)
             connect(p, &QPushButton::clicked, this, b.azione);
         else
-            connect(p, &QPushButton::clicked, this, [this] { apriFiltri(PannelloFiltro::Modo::Stampa); });
+            connect(p, &QPushButton::clicked, this, [this] { AnteprimaGriglia(*m_griglia, windowTitle(), this); }); // CmdStampa
     }
     const auto riordina = [this] {
         const int c = m_cmbOrdinamento->currentData().toInt();

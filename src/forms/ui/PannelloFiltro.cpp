@@ -3,8 +3,8 @@
 
 #include "Didascalie.h"
 
+#include <CasellaData.h>
 #include <Language.h>
-#include <PublicState.h>
 #include <Recordset.h>
 #include <Scheda.h>
 
@@ -63,7 +63,11 @@ PannelloFiltro::PannelloFiltro(QWidget *parent)
     QPushButton *command6 = bottone("Command6");
     QPushButton *command5 = bottone("Command5");
     QPushButton *elencoPrec = bottone("CmdElencoPrec");
-    connect(command6, &QPushButton::clicked, this, &PannelloFiltro::esegui);
+    // A date box refused just now stops the run: the user sees what the filter will use.
+    connect(command6, &QPushButton::clicked, this, [this] {
+        if (frame::CasellaTesto::confermaTutte(this))
+            emit esegui();
+    });
     connect(command5, &QPushButton::clicked, this, &PannelloFiltro::chiudi);
     connect(elencoPrec, &QPushButton::clicked, this, &PannelloFiltro::elencoPrecedente);
     // The mode button switches between finding and printing with the same filters.
@@ -126,22 +130,25 @@ void PannelloFiltro::impostaCatalogo(const QVector<CasellaFiltro> &catalogo)
     for (int i = 0; i < catalogo.size(); ++i) {
         const CasellaFiltro &k = catalogo[i];
         auto *etichetta = new QLabel(k.didascalia, contenitore);
-        auto *dal = new QLineEdit(contenitore);
-        dal->setObjectName(nomeCasella(k.tipo, false, i));
+        // Dates in the program's date box; numbers refuse a key that makes no number.
+        const auto nuova = [&](bool limiteAl) {
+            QLineEdit *e = k.tipo == TipoCasella::Data ? new frame::CasellaData(contenitore) : new QLineEdit(contenitore);
+            if (k.tipo == TipoCasella::Numero)
+                e->setValidator(frame::ValidatoreCasella::numero(e, true));
+            e->setObjectName(nomeCasella(k.tipo, limiteAl, i));
+            return e;
+        };
+        QLineEdit *dal = nuova(false);
         etichetta->setBuddy(dal);
         m_griglia->addWidget(etichetta, i, 0);
         QLineEdit *al = nullptr;
         if (k.tipo == TipoCasella::Testo) {
             m_griglia->addWidget(dal, i, 1, 1, 2);
         } else {
-            al = new QLineEdit(contenitore);
-            al->setObjectName(nomeCasella(k.tipo, true, i));
+            al = nuova(true);
             m_griglia->addWidget(dal, i, 1);
             m_griglia->addWidget(al, i, 2);
             if (k.tipo == TipoCasella::Data) {
-                const QString forma = frame::pub().FormatoData;
-                dal->setPlaceholderText(forma);
-                al->setPlaceholderText(forma);
                 // One date gives a one-day filter unless the upper box says otherwise.
                 connect(dal, &QLineEdit::editingFinished, this, [dal, al] {
                     if (const auto copia = DataAlDopoDal(dal->text(), al->isVisible()))

@@ -1,48 +1,82 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CasellaData.h"
 
+#include <Language.h>
 #include <PublicState.h>
+#include <TestoCasella.h>
 
+#include <QAction>
+#include <QCalendarWidget>
 #include <QKeyEvent>
-#include <QLineEdit>
+#include <QStyle>
+#include <QVBoxLayout>
 
 namespace frame {
 
-namespace {
-// The day that stands for "no date"; shown as a blank.
-const QDate Nessuna(1753, 1, 1);
-} // namespace
-
-CasellaData::CasellaData(QWidget *parent) : QDateEdit(parent)
+CasellaData::CasellaData(QWidget *parent) : CasellaTesto(parent)
 {
-    setCalendarPopup(true);
-    setMinimumDate(Nessuna);
-    setSpecialValueText(QStringLiteral(" "));
-    QString formato = pub().FormatoData;
-    setDisplayFormat(formato.replace(QLatin1String("mm"), QLatin1String("MM")));
-    setDate(QDate::currentDate());
+    setValidator(new ValidatoreCasella(PuoDiventareData, this));
+    setPlaceholderText(pub().FormatoData);
+    QAction *apri = addAction(style()->standardIcon(QStyle::SP_ArrowDown), QLineEdit::TrailingPosition);
+    connect(apri, &QAction::triggered, this, &CasellaData::apriCalendario);
 }
 
 std::optional<QDate> CasellaData::data() const
 {
-    if (date() == Nessuna)
-        return std::nullopt;
-    return date();
+    return LeggeTestoData(text()).valore;
 }
 
 void CasellaData::impostaData(const std::optional<QDate> &data)
 {
-    setDate(data.value_or(Nessuna));
+    mostra(TestoCasellaData(data));
+}
+
+void CasellaData::apriCalendario()
+{
+    if (m_calendario)
+        return;
+    auto *finestra = new QWidget(this, Qt::Popup);
+    finestra->setAttribute(Qt::WA_DeleteOnClose);
+    m_calendario = new QCalendarWidget(finestra);
+    m_calendario->setGridVisible(true);
+    const QDate mostrata = data().value_or(QDate::currentDate());
+    m_calendario->setSelectedDate(mostrata);
+    m_calendario->setCurrentPage(mostrata.year(), mostrata.month());
+    auto *layout = new QVBoxLayout(finestra);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_calendario);
+    const auto scegli = [this, finestra](const QDate &d) {
+        impostaData(d);
+        finestra->close();
+        setFocus();
+    };
+    connect(m_calendario, &QCalendarWidget::clicked, this, scegli);
+    connect(m_calendario, &QCalendarWidget::activated, this, scegli);
+    connect(finestra, &QObject::destroyed, this, [this] { m_calendario = nullptr; });
+    finestra->adjustSize();
+    finestra->move(mapToGlobal(rect().bottomLeft()));
+    finestra->show();
+    m_calendario->setFocus();
+}
+
+std::optional<QString> CasellaData::normalizza(const QString &testo) const
+{
+    const Lettura<QDate> l = LeggeTestoData(testo);
+    return l.valida ? std::optional<QString>(TestoCasellaData(l.valore)) : std::nullopt;
+}
+
+QString CasellaData::messaggioRifiuto() const
+{
+    return TestoLingua("M0008"); // "The date entered is not valid."
 }
 
 void CasellaData::keyPressEvent(QKeyEvent *event)
 {
-    const bool cancella = event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace;
-    if (cancella && (lineEdit()->selectedText() == lineEdit()->text() || date() == Nessuna)) {
-        setDate(Nessuna);
+    if (event->key() == Qt::Key_F4 || (event->key() == Qt::Key_Down && event->modifiers() & Qt::AltModifier)) {
+        apriCalendario();
         return;
     }
-    QDateEdit::keyPressEvent(event);
+    CasellaTesto::keyPressEvent(event);
 }
 
 } // namespace frame

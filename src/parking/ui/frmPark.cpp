@@ -5,6 +5,7 @@
 #include "FrmResto.h"
 #include "StampaMovimento.h"
 
+#include <CasellaTesto.h>
 #include <Didascalie.h>
 
 #include <Contabilizzazione.h>
@@ -169,6 +170,7 @@ frmPark::frmPark(frame::Prompter &prompter, QWidget *parent)
     lega(m_ui->TxtTC_0, QStringLiteral("IdFascia"), forms::TipoCasellaScheda::Codice);
     ImpostaCampi();
     m_ui->TxtProg->setMaxLength(10);
+    m_ui->TxtProg->setValidator(frame::ValidatoreCasella::numero(m_ui->TxtProg, false));
     m_ui->TxtTR_1->setMaxLength(recordset().field(QStringLiteral("Anno")).size);
     m_ui->TxtTR_2->setMaxLength(recordset().field(QStringLiteral("Targa")).size);
     m_ui->TxtDR_0->setMaxLength(20);

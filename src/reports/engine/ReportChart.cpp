@@ -115,6 +115,7 @@ void renderChart(QPainter &painter, const QRectF &target, double dotsPerMm, cons
             for (int i = 0; i < v.size(); ++i)
                 ls->append(i, v.at(i));
             ls->setPen(QPen(Palette[s % 4], 1.6));
+            ls->setPointsVisible(v.size() == 1); // a lone point has no segment to draw: its marker shows it
             chart->addSeries(ls);
             ls->attachAxis(buckets);
             ls->attachAxis(values);

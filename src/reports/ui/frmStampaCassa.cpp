@@ -25,7 +25,10 @@ frmStampaCassa::frmStampaCassa(frame::Prompter &prompter, QWidget *parent)
     setWindowTitle(TestoLingua("M0317"));
     m_ui->TDBDGG->impostaData(std::nullopt);
     m_ui->TDBDGG2->impostaData(std::nullopt);
-    connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] { StampaCassa(m_report, m_prompter, opzioni()); });
+    connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] {
+        if (frame::CasellaTesto::confermaTutte(this))
+            StampaCassa(m_report, m_prompter, opzioni());
+    });
     connect(m_ui->cmdAnnulla, &QPushButton::clicked, this, &QDialog::close);
 }
 

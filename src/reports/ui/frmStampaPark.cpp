@@ -25,9 +25,15 @@ frmStampaPark::frmStampaPark(frame::Prompter &prompter, QWidget *parent)
     m_ui->Okstampa->setText(TestoLingua("M0142"));
     m_ui->cmdAnnulla->setText(TestoLingua("M0144"));
     setWindowTitle(TestoLingua("M0309"));
-    m_ui->TDBTGG->setTime(QTime(0, 0));
-    m_ui->TDBTGG2->setTime(QTime(23, 59, 59));
-    connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] { StampaPark(m_report, opzioni()); });
+    m_ui->TDBDGG->impostaData(QDate::currentDate());
+    m_ui->TDBDGG2->impostaData(QDate::currentDate());
+    m_ui->TDBTGG->impostaOra(QTime(0, 0));
+    m_ui->TDBTGG2->impostaSecondi(true);
+    m_ui->TDBTGG2->impostaOra(QTime(23, 59, 59));
+    connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] {
+        if (frame::CasellaTesto::confermaTutte(this))
+            StampaPark(m_report, opzioni());
+    });
     connect(m_ui->cmdAnnulla, &QPushButton::clicked, this, &QDialog::close);
 }
 
@@ -40,9 +46,9 @@ OpzioniPark frmStampaPark::opzioni() const
 {
     OpzioniPark o;
     o.dal = m_ui->TDBDGG->data();
-    o.oraDal = m_ui->TDBTGG->time();
+    o.oraDal = m_ui->TDBTGG->ora();
     o.al = m_ui->TDBDGG2->data();
-    o.oraAl = m_ui->TDBTGG2->time();
+    o.oraAl = m_ui->TDBTGG2->ora();
     o.targa = m_ui->TxtTarga->text().trimmed();
     o.stato = m_ui->Opt1->isChecked()   ? OpzioniPark::Stato::Usciti
               : m_ui->Opt2->isChecked() ? OpzioniPark::Stato::Dentro
