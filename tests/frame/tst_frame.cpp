@@ -11,6 +11,8 @@
 
 #include <QDate>
 #include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -503,6 +505,38 @@ private slots:
                 QVERIFY2(!v.chiave.isEmpty(), qPrintable(v.testo));
                 QVERIFY2(!v.testo.trimmed().isEmpty(), qPrintable(v.chiave));
             }
+    }
+
+    // Every key the code names has a text in each delivered language.
+    void keysOfTheCodeInEveryLanguage_data()
+    {
+        QTest::addColumn<QString>("chiave");
+        QTest::addColumn<QString>("dove");
+        // The families of keys are the letters before the digits of those in the files (M0100, CAP01, VERU1).
+        QSet<QString> famiglie;
+        static const QRegularExpression numerata(QStringLiteral("^([A-Z]+)\\d+$"));
+        for (const QString &k : keysOf(parseLanguageFile(QStringLiteral("English"))))
+            if (const auto m = numerata.match(k); m.hasMatch())
+                famiglie << m.captured(1);
+        const QRegularExpression uso(QStringLiteral("\"((?:%1)\\d+)\"").arg(famiglie.values().join(QLatin1Char('|'))));
+        QHash<QString, bool> visti;
+        QDirIterator it(sourceDir() + QStringLiteral("src"), {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            QFile f(it.next());
+            QVERIFY(f.open(QIODevice::ReadOnly));
+            for (const auto &m : uso.globalMatch(QString::fromUtf8(f.readAll())))
+                if (!std::exchange(visti[m.captured(1)], true))
+                    QTest::newRow(qPrintable(m.captured(1))) << m.captured(1) << f.fileName();
+        }
+        QVERIFY(visti.size() > 150);
+    }
+    void keysOfTheCodeInEveryLanguage()
+    {
+        QFETCH(QString, chiave);
+        QFETCH(QString, dove);
+        for (const char *lingua : {"English", "Italian"})
+            QVERIFY2(keysOf(parseLanguageFile(QLatin1String(lingua))).contains(chiave), qPrintable(dove + QLatin1Char(' ') + lingua));
     }
 
     // ---- settings store

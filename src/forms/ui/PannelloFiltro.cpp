@@ -139,7 +139,7 @@ void PannelloFiltro::impostaCatalogo(const QVector<CasellaFiltro> &catalogo)
             m_griglia->addWidget(dal, i, 1);
             m_griglia->addWidget(al, i, 2);
             if (k.tipo == TipoCasella::Data) {
-                const QString forma = frame::pub().FormatoData;
+                const QString forma = frame::SegnapostoData();
                 dal->setPlaceholderText(forma);
                 al->setPlaceholderText(forma);
                 // One date gives a one-day filter unless the upper box says otherwise.
