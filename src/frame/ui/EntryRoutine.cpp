@@ -56,7 +56,7 @@ frmMain::Apertura unicaInterna()
             QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(aperta);
             sotto->setAttribute(Qt::WA_DeleteOnClose);
             // The size the window asks for, within the main window's area: nothing starts off screen.
-            sotto->resize(sotto->sizeHint().boundedTo(main.mdiArea()->viewport()->size()));
+            sotto->resize(aperta->size().boundedTo(main.mdiArea()->viewport()->size()));
             sotto->show();
         }
         main.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(aperta->parentWidget()));

@@ -21,6 +21,7 @@
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QScreen>
 #include <QToolBar>
 
 #include <memory>
@@ -171,6 +172,7 @@ bool CrystalReport::setAction(int action)
             auto *dialog = new QPrintPreviewDialog(d->parent);
             dialog->setAttribute(Qt::WA_DeleteOnClose);
             dialog->setWindowTitle(title);
+            dialog->resize(dialog->screen()->availableGeometry().size() * 3 / 4); // pages readable at once
             QPrinter *printer = dialog->printer();
             printer->setFullPage(true);
             printer->setPageLayout(run->pageLayout());
