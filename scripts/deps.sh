@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian packages Veltano needs to build, test and run, if any is missing.
 set -euo pipefail
-pkgs=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-charts-dev libqt6opengl6-dev
+pkgs=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-charts-dev qt6-translations-l10n libqt6opengl6-dev
       libsqlcipher-dev sqlcipher zlib1g-dev libsane-dev libbenchmark-dev
       fonts-dejavu-core xvfb xauth)
 missing=()

@@ -3,8 +3,13 @@
 
 #include "SettingsStore.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QLibraryInfo>
+#include <QTranslator>
+
+#include <memory>
 
 namespace frame {
 
@@ -15,7 +20,49 @@ QString cartellaLingue()
     return pub().CartellaProgramma + QStringLiteral("Language");
 }
 
+// Qt's translation of its own texts for the language in use; one at a time.
+std::unique_ptr<QTranslator> &traduzioneQt()
+{
+    static std::unique_ptr<QTranslator> t;
+    return t;
+}
+
+void ImpostaLinguaQt(const QString &nome)
+{
+    const QLocale locale = LocaleLingua(nome);
+    QLocale::setDefault(locale);
+    std::unique_ptr<QTranslator> &t = traduzioneQt();
+    if (t)
+        QCoreApplication::removeTranslator(t.get());
+    t = std::make_unique<QTranslator>();
+    if (!t->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))
+        || !QCoreApplication::installTranslator(t.get()))
+        t.reset();
+}
+
 } // namespace
+
+QLocale LocaleLingua(const QString &nome)
+{
+    const QString n = nome.trimmed();
+    for (int l = QLocale::AnyLanguage + 1; l <= QLocale::LastLanguage; ++l) {
+        const auto lingua = QLocale::Language(l);
+        if (QLocale::languageToString(lingua).compare(n, Qt::CaseInsensitive) == 0)
+            return QLocale(lingua, QLocale::system().territory());
+    }
+    return QLocale::system();
+}
+
+QString SegnapostoData()
+{
+    // Key CAP01: the letters of day, month and year, in this order ("dd mm yyyy").
+    QStringList p = TestoLingua("CAP01").split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    if (p.size() != 3)
+        return pub().FormatoData;
+    if (pub().FormatoData.startsWith(QLatin1String("mm"), Qt::CaseInsensitive))
+        p.swapItemsAt(0, 1);
+    return p.join(QLatin1Char('/'));
+}
 
 void ElencaLingue()
 {
@@ -70,8 +117,8 @@ bool CaricaFileLingua(const QString &nome)
 void CaricaLinguaCorrente()
 {
     const int i = pub().LinguaCorrente;
-    if (i >= 0 && i < pub().Lingue.size())
-        CaricaFileLingua(pub().Lingue.at(i));
+    if (i >= 0 && i < pub().Lingue.size() && CaricaFileLingua(pub().Lingue.at(i)))
+        ImpostaLinguaQt(pub().Lingue.at(i));
 }
 
 void SalvaLingua()

@@ -3,6 +3,7 @@
 #include "PublicState.h"
 
 #include <QByteArray>
+#include <QLocale>
 #include <QString>
 
 namespace frame {
@@ -17,7 +18,14 @@ void ElencaLingue();
 bool CaricaFileLingua(const QString &nome);
 // The parsing of a file's contents, for CaricaFileLingua and its tests.
 void LeggiTestiLingua(const QByteArray &contenuto, QVector<TestoLinguaVoce> &tabella);
+// Loads the file of `LinguaCorrente`, then makes Qt's own texts (dialog buttons, print
+// and file windows), month names and the date order follow that language.
 void CaricaLinguaCorrente();
+// The locale of a language file's name ("Italian" -> it), in the machine's territory where
+// the language is written there; the machine's own locale for a name Qt does not know.
+QLocale LocaleLingua(const QString &nome);
+// The placeholder of a date box, in the order of `FormatoData` and the letters of the language ("gg/mm/aaaa").
+QString SegnapostoData();
 void SalvaLingua();
 // The text of a key (folded to upper case in place), trimmed; "" when absent.
 QString TestoLingua(QString &chiave);

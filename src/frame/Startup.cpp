@@ -36,8 +36,8 @@ void passo(F &&f)
 
 QString FormatoDataDiSistema()
 {
-    // Read off the locale's own format: the clock is never touched.
-    const QString testo = QLocale::system().toString(QDate(2002, 12, 31), QLocale::ShortFormat);
+    // Read off the format of the locale in use (the language's, once it is loaded): the clock is never touched.
+    const QString testo = QLocale().toString(QDate(2002, 12, 31), QLocale::ShortFormat);
     return testo.startsWith(QLatin1String("31")) ? QStringLiteral("dd/mm/yyyy") : QStringLiteral("mm/dd/yyyy");
 }
 

@@ -6,7 +6,7 @@ namespace frame {
 
 // The steps of the entry routine that need no window, in the order it runs them.
 
-// "mm/dd/yyyy" when the machine's short date format writes the month first, else "dd/mm/yyyy".
+// "mm/dd/yyyy" when the short date format of the locale in use writes the month first, else "dd/mm/yyyy".
 QString FormatoDataDiSistema();
 // Endpoints, colours, connect tail, system and temporary folders, `Pathdata`
 // and the folders derived from it. `cartellaProgramma` is the executable's folder.

@@ -11,6 +11,8 @@
 
 #include <QDate>
 #include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -107,6 +109,7 @@ private slots:
 
     // ---- quoting and small text routines
 
+    // ApiciSQL, and RaddoppiaApici on the text between the outer apostrophes.
     void apiciSql_data()
     {
         QTest::addColumn<QVariant>("valore");
@@ -115,7 +118,8 @@ private slots:
         QTest::newRow("empty") << QVariant(QString()) << QStringLiteral("''");
         QTest::newRow("plain") << QVariant(QStringLiteral("abc")) << QStringLiteral("'abc'");
         QTest::newRow("apostrophe") << QVariant(QStringLiteral("l'auto")) << QStringLiteral("'l''auto'");
-        QTest::newRow("only apostrophes") << QVariant(QStringLiteral("''")) << QStringLiteral("''''''");
+        QTest::newRow("first and last") << QVariant(QStringLiteral("'a'")) << QStringLiteral("'''a'''");
+        QTest::newRow("run") << QVariant(QStringLiteral("a'''b")) << QStringLiteral("'a''''''b'");
         QTest::newRow("quotes and percent untouched")
             << QVariant(QStringLiteral("say \"hi\" 50% _x")) << QStringLiteral("'say \"hi\" 50% _x'");
         QTest::newRow("number") << QVariant(12) << QStringLiteral("'12'");
@@ -125,6 +129,7 @@ private slots:
         QFETCH(QVariant, valore);
         QFETCH(QString, atteso);
         QCOMPARE(frame::ApiciSQL(valore), atteso);
+        QCOMPARE(frame::RaddoppiaApici(valore.toString()), atteso.mid(1, atteso.size() - 2));
     }
 
     void apiciSqlRoundTripsThroughSql_data()
@@ -154,62 +159,55 @@ private slots:
         QVERIFY(base.scalar(QStringLiteral("select count(*) from Fascia")).toLongLong() > 0);
     }
 
-    void raddoppiaApici_data()
+    // The small text routines, one table: routine, argument, result.
+    void testi_data()
     {
+        QTest::addColumn<QString>("routine");
         QTest::addColumn<QString>("testo");
         QTest::addColumn<QString>("atteso");
-        QTest::newRow("empty") << QString() << QString();
-        QTest::newRow("none") << QStringLiteral("abc") << QStringLiteral("abc");
-        QTest::newRow("one") << QStringLiteral("'") << QStringLiteral("''");
-        QTest::newRow("first and last") << QStringLiteral("'a'") << QStringLiteral("''a''");
-        QTest::newRow("run") << QStringLiteral("a'''b") << QStringLiteral("a''''''b");
-        QTest::newRow("double quote kept") << QStringLiteral("a\"b") << QStringLiteral("a\"b");
+        const struct {
+            const char *routine, *riga, *testo, *atteso;
+        } righe[] = {
+            {"TogliSpaziDoppi", "empty", "", ""}, {"TogliSpaziDoppi", "only blanks", "    ", ""},
+            {"TogliSpaziDoppi", "trim", "  ab  ", "ab"}, {"TogliSpaziDoppi", "runs", " a   b  c ", "a b c"},
+            {"TogliSpaziDoppi", "single kept", "a b", "a b"}, {"TogliSpaziDoppi", "tabs inside kept", "a\t\tb", "a\t\tb"},
+            {"ConBarra", "empty", "", ""}, {"ConBarra", "no separator", "/srv/park", "/srv/park/"},
+            {"ConBarra", "separator", "/srv/park/", "/srv/park/"}, {"ConBarra", "blanks", " /srv ", " /srv /"},
+            {"AggiungeBarra", "empty", "", "/"}, {"AggiungeBarra", "no separator", "/srv/park", "/srv/park/"},
+            {"AggiungeBarra", "separator", "/srv/park/", "/srv/park/"}, {"AggiungeBarra", "blanks", " /srv ", "/srv/"},
+            {"CartellaDati", "short folder", "/x/basedati.mdb", "/x"},
+            {"CartellaDati", "deep folder", "/srv/park/dati/basedati.mdb", "/srv/park/dati"},
+            {"CartellaDati", "exactly 13", "/basedati.mdb", ""}, {"CartellaDati", "12 characters", "basedati.mdb", ""},
+            {"CartellaDati", "empty", "", ""}, {"CartellaDati", "other name length cuts 13", "/srv/park/dati.sqlite", "/srv/par"},
+            // ListaContiene on the list "Targa|Marca|" (an empty entry last): "S" when found.
+            {"ListaContiene", "first", "Targa", "S"}, {"ListaContiene", "middle", "Marca", "S"},
+            {"ListaContiene", "empty entry", "", "S"}, {"ListaContiene", "prefix only", "Targ", "N"},
+            {"ListaContiene", "longer", "Targhe", "N"},
+        };
+        for (const auto &r : righe)
+            QTest::addRow("%s, %s", r.routine, r.riga) << QString::fromLatin1(r.routine) << QString::fromLatin1(r.testo)
+                                                       << QString::fromLatin1(r.atteso);
     }
-    void raddoppiaApici()
+    void testi()
     {
-        QFETCH(QString, testo);
-        QFETCH(QString, atteso);
-        QCOMPARE(frame::RaddoppiaApici(testo), atteso);
-    }
-
-    void togliSpaziDoppi_data()
-    {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<QString>("atteso");
-        QTest::newRow("empty") << QString() << QString();
-        QTest::newRow("only blanks") << QStringLiteral("    ") << QString();
-        QTest::newRow("trim") << QStringLiteral("  ab  ") << QStringLiteral("ab");
-        QTest::newRow("runs") << QStringLiteral(" a   b  c ") << QStringLiteral("a b c");
-        QTest::newRow("single kept") << QStringLiteral("a b") << QStringLiteral("a b");
-        QTest::newRow("tabs inside kept") << QStringLiteral("a\t\tb") << QStringLiteral("a\t\tb");
-    }
-    void togliSpaziDoppi()
-    {
+        QFETCH(QString, routine);
         QFETCH(QString, testo);
         QFETCH(QString, atteso);
         QString arg = testo;
-        QCOMPARE(frame::TogliSpaziDoppi(arg), atteso);
-        QCOMPARE(arg, atteso); // by reference
-    }
-
-    void barre_data()
-    {
-        QTest::addColumn<QString>("percorso");
-        QTest::addColumn<QString>("aggiunge");
-        QTest::addColumn<QString>("conBarra");
-        QTest::newRow("empty") << QString() << QStringLiteral("/") << QString();
-        QTest::newRow("no separator") << QStringLiteral("/srv/park") << QStringLiteral("/srv/park/") << QStringLiteral("/srv/park/");
-        QTest::newRow("separator") << QStringLiteral("/srv/park/") << QStringLiteral("/srv/park/") << QStringLiteral("/srv/park/");
-        QTest::newRow("blanks") << QStringLiteral(" /srv ") << QStringLiteral("/srv/") << QStringLiteral(" /srv /");
-    }
-    void barre()
-    {
-        QFETCH(QString, percorso);
-        QFETCH(QString, aggiunge);
-        QFETCH(QString, conBarra);
-        QCOMPARE(frame::ConBarra(percorso), conBarra);
-        frame::AggiungeBarra(percorso);
-        QCOMPARE(percorso, aggiunge);
+        if (routine == QLatin1String("TogliSpaziDoppi")) {
+            QCOMPARE(frame::TogliSpaziDoppi(arg), atteso);
+            QCOMPARE(arg, atteso); // by reference
+        } else if (routine == QLatin1String("ConBarra")) {
+            QCOMPARE(frame::ConBarra(testo), atteso);
+        } else if (routine == QLatin1String("AggiungeBarra")) {
+            frame::AggiungeBarra(arg);
+            QCOMPARE(arg, atteso);
+        } else if (routine == QLatin1String("CartellaDati")) {
+            QCOMPARE(frame::CartellaDati(testo), atteso);
+        } else {
+            QCOMPARE(frame::ListaContiene(testo, {QStringLiteral("Targa"), QStringLiteral("Marca"), QString()}), atteso == QLatin1String("S"));
+            QVERIFY(!frame::ListaContiene(testo, {}));
+        }
     }
 
     void esisteFile()
@@ -266,166 +264,88 @@ private slots:
         QCOMPARE(frame::GiornoSettimana(data), atteso);
     }
 
-    void numeroONullo_data()
+    // NumeroONullo, and TestoONullo and ValoreNonNullo (default "def") where the row gives their results.
+    void nullHelpers_data()
     {
         QTest::addColumn<QVariant>("valore");
-        QTest::addColumn<QVariant>("atteso");
-        QTest::newRow("null") << QVariant() << QVariant(0);
-        QTest::newRow("empty") << QVariant(QString()) << QVariant(0);
-        QTest::newRow("letters") << QVariant(QStringLiteral("abc")) << QVariant(0);
-        QTest::newRow("number and letters") << QVariant(QStringLiteral("12abc")) << QVariant(0);
-        QTest::newRow("decimal text") << QVariant(QStringLiteral("12.5")) << QVariant(QStringLiteral("12.5"));
-        QTest::newRow("negative text") << QVariant(QStringLiteral("-3")) << QVariant(QStringLiteral("-3"));
-        QTest::newRow("blanks around") << QVariant(QStringLiteral(" 4 ")) << QVariant(QStringLiteral(" 4 "));
-        QTest::newRow("exponent") << QVariant(QStringLiteral("1e3")) << QVariant(QStringLiteral("1e3"));
-        QTest::newRow("nan text") << QVariant(QStringLiteral("nan")) << QVariant(0);
-        QTest::newRow("inf text") << QVariant(QStringLiteral("inf")) << QVariant(0);
-        QTest::newRow("-inf text") << QVariant(QStringLiteral("-inf")) << QVariant(0);
-        QTest::newRow("int") << QVariant(7) << QVariant(7);
-        QTest::newRow("double") << QVariant(3.25) << QVariant(3.25);
+        QTest::addColumn<QVariant>("numero");
+        QTest::addColumn<QVariant>("testo");
+        QTest::addColumn<QVariant>("nonNullo");
+        const QVariant x; // not checked on this row
+        QTest::newRow("null") << QVariant() << QVariant(0) << QVariant(QString()) << QVariant(QStringLiteral("def"));
+        QTest::newRow("empty") << QVariant(QString()) << QVariant(0) << QVariant(QString()) << QVariant(QString());
+        QTest::newRow("letters") << QVariant(QStringLiteral("abc")) << QVariant(0) << QVariant(QStringLiteral("abc")) << x;
+        QTest::newRow("number and letters") << QVariant(QStringLiteral("12abc")) << QVariant(0) << x << x;
+        for (const char *n : {"12.5", "-3", " 4 ", "1e3"})
+            QTest::addRow("text %s", n) << QVariant(QString::fromLatin1(n)) << QVariant(QString::fromLatin1(n)) << x << x;
+        for (const char *n : {"nan", "inf", "-inf"})
+            QTest::addRow("text %s", n) << QVariant(QString::fromLatin1(n)) << QVariant(0) << x << x;
+        QTest::newRow("int") << QVariant(7) << QVariant(7) << QVariant(7) << QVariant(7);
+        QTest::newRow("zero") << QVariant(0) << QVariant(0) << x << QVariant(0);
+        QTest::newRow("double") << QVariant(3.25) << QVariant(3.25) << x << x;
     }
-    void numeroONullo()
-    {
-        QFETCH(QVariant, valore);
-        QFETCH(QVariant, atteso);
-        const QVariant r = frame::NumeroONullo(valore);
-        QCOMPARE(r.typeId(), atteso.typeId());
-        QCOMPARE(r, atteso);
-    }
-
     void nullHelpers()
     {
-        const QVariant t = frame::TestoONullo(QVariant());
-        QVERIFY(!t.isNull());
-        QCOMPARE(t.typeId(), QMetaType::QString);
-        QCOMPARE(t.toString(), QString());
-        QCOMPARE(frame::TestoONullo(QStringLiteral("abc")), QVariant(QStringLiteral("abc")));
-        QCOMPARE(frame::TestoONullo(5), QVariant(5));
-
-        QCOMPARE(frame::ValoreNonNullo(QVariant(), QStringLiteral("def")), QVariant(QStringLiteral("def")));
-        QCOMPARE(frame::ValoreNonNullo(QVariant(), 0), QVariant(0));
-        QCOMPARE(frame::ValoreNonNullo(QStringLiteral("x"), QStringLiteral("def")), QVariant(QStringLiteral("x")));
-        QCOMPARE(frame::ValoreNonNullo(QString(), QStringLiteral("def")), QVariant(QString())); // "" is not Null
-        QCOMPARE(frame::ValoreNonNullo(0, 9), QVariant(0));
-    }
-
-    void listaContiene_data()
-    {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<QStringList>("lista");
-        QTest::addColumn<bool>("atteso");
-        const QStringList l{QStringLiteral("Targa"), QStringLiteral("Marca"), QString()};
-        QTest::newRow("first") << QStringLiteral("Targa") << l << true;
-        QTest::newRow("middle") << QStringLiteral("Marca") << l << true;
-        QTest::newRow("empty entry") << QString() << l << true;
-        QTest::newRow("prefix only") << QStringLiteral("Targ") << l << false;
-        QTest::newRow("longer") << QStringLiteral("Targhe") << l << false;
-        QTest::newRow("empty list") << QStringLiteral("Targa") << QStringList() << false;
-    }
-    void listaContiene()
-    {
-        QFETCH(QString, testo);
-        QFETCH(QStringList, lista);
-        QFETCH(bool, atteso);
-        QCOMPARE(frame::ListaContiene(testo, lista), atteso);
-    }
-
-    void cartellaDati_data()
-    {
-        QTest::addColumn<QString>("pathdata");
-        QTest::addColumn<QString>("atteso");
-        QTest::newRow("short folder") << QStringLiteral("/x/basedati.mdb") << QStringLiteral("/x");
-        QTest::newRow("deep folder") << QStringLiteral("/srv/park/dati/basedati.mdb") << QStringLiteral("/srv/park/dati");
-        QTest::newRow("exactly 13") << QStringLiteral("/basedati.mdb") << QString();
-        QTest::newRow("12 characters") << QStringLiteral("basedati.mdb") << QString();
-        QTest::newRow("empty") << QString() << QString();
-        QTest::newRow("other name length cuts 13 anyway") << QStringLiteral("/srv/park/dati.sqlite") << QStringLiteral("/srv/par");
-    }
-    void cartellaDati()
-    {
-        QFETCH(QString, pathdata);
-        QFETCH(QString, atteso);
-        QCOMPARE(frame::CartellaDati(pathdata), atteso);
+        QFETCH(QVariant, valore);
+        QFETCH(QVariant, numero);
+        QFETCH(QVariant, testo);
+        QFETCH(QVariant, nonNullo);
+        for (const auto &[r, atteso] : {std::pair{frame::NumeroONullo(valore), numero}, std::pair{frame::TestoONullo(valore), testo},
+                                         std::pair{frame::ValoreNonNullo(valore, QStringLiteral("def")), nonNullo}})
+            if (atteso.isValid()) {
+                QCOMPARE(r.typeId(), atteso.typeId());
+                QCOMPARE(r, atteso);
+            }
     }
 
     // ---- language texts
 
+    // The lines read, and the lookup of the first key (trimmed text, key folded in place, apostrophes to backticks).
     void leggiTestiLingua_data()
     {
         QTest::addColumn<QByteArray>("contenuto");
         QTest::addColumn<QStringList>("chiavi");
         QTest::addColumn<QStringList>("testi");
-        QTest::newRow("blanks around") << QByteArray(" m0100 ; Testo ") << QStringList{"M0100"} << QStringList{" Testo"};
-        QTest::newRow("empty key") << QByteArray(";abc") << QStringList{""} << QStringList{"abc"};
-        QTest::newRow("comment with leading blank") << QByteArray("  ' M0001;no\nM0002;yes")
-                                                    << QStringList{"M0002"} << QStringList{"yes"};
-        QTest::newRow("no separator skipped") << QByteArray("just words\nM0003;y") << QStringList{"M0003"} << QStringList{"y"};
-        QTest::newRow("later separators in text") << QByteArray("M0004;a;b; c") << QStringList{"M0004"} << QStringList{"a;b; c"};
-        QTest::newRow("empty lines") << QByteArray("\n\n   \nM0005;z\n\n") << QStringList{"M0005"} << QStringList{"z"};
-        QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBFM0006;bom\nM0007;next")
-                                         << QStringList{"M0006", "M0007"} << QStringList{"bom", "next"};
-        QTest::newRow("CRLF") << QByteArray("M0008;first\r\nM0009;second\r\n")
-                              << QStringList{"M0008", "M0009"} << QStringList{"first", "second"};
-        QTest::newRow("duplicates both kept") << QByteArray("M0010;one\nm0010;two")
-                                              << QStringList{"M0010", "M0010"} << QStringList{"one", "two"};
-        QTest::newRow("empty text") << QByteArray("M0011;") << QStringList{"M0011"} << QStringList{""};
-        QTest::newRow("nothing") << QByteArray() << QStringList() << QStringList();
-        QTest::newRow("accents") << QByteArray("M0012;perché città")
-                                 << QStringList{"M0012"} << QStringList{QStringLiteral("perché città")};
+        QTest::addColumn<QString>("trovato"); // TestoLingua of the first key in lower case
+        QTest::newRow("blanks around") << QByteArray(" m0100 ; Testo ") << QStringList{"M0100"} << QStringList{" Testo"} << "Testo";
+        QTest::newRow("empty key") << QByteArray(";abc") << QStringList{""} << QStringList{"abc"} << "abc";
+        QTest::newRow("comment with leading blank") << QByteArray("  ' M0001;no\nM0002;yes") << QStringList{"M0002"}
+                                                    << QStringList{"yes"} << "yes";
+        QTest::newRow("no separator skipped") << QByteArray("just words\nM0003;y") << QStringList{"M0003"} << QStringList{"y"} << "y";
+        QTest::newRow("later separators in text") << QByteArray("M0004;a;b; c") << QStringList{"M0004"} << QStringList{"a;b; c"}
+                                                  << "a;b; c";
+        QTest::newRow("empty lines") << QByteArray("\n\n   \nM0005;z\n\n") << QStringList{"M0005"} << QStringList{"z"} << "z";
+        QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBFM0006;bom\nM0007;next") << QStringList{"M0006", "M0007"}
+                                         << QStringList{"bom", "next"} << "bom";
+        QTest::newRow("CRLF") << QByteArray("M0008;first \r\nM0009;second\r\n") << QStringList{"M0008", "M0009"}
+                              << QStringList{"first", "second"} << "first";
+        QTest::newRow("first of two equal keys wins") << QByteArray("M0010;one\nm0010;two") << QStringList{"M0010", "M0010"}
+                                                      << QStringList{"one", "two"} << "one";
+        QTest::newRow("empty text") << QByteArray("M0011;") << QStringList{"M0011"} << QStringList{""} << "";
+        QTest::newRow("nothing") << QByteArray() << QStringList() << QStringList() << "";
+        QTest::newRow("accents") << QByteArray("M0012;perché città") << QStringList{"M0012"}
+                                 << QStringList{QStringLiteral("perché città")} << QStringLiteral("perché città");
+        QTest::newRow("apostrophe") << QByteArray("M0050; l'auto dell'utente ") << QStringList{"M0050"}
+                                    << QStringList{" l'auto dell'utente"} << "l'auto dell'utente";
+        static const char junk[] = "M0030;before\n\x00\x01\xff\xfe\x80 garbage\n\x81\xc3;junk\n\xff\xff\xff\nM0031;after";
+        const Table t = parse(QByteArray(junk, sizeof junk - 1));
+        QTest::newRow("junk between lines") << QByteArray(junk, sizeof junk - 1) << keysOf(t) << textsOf(t) << "before";
+        QVERIFY(keysOf(t).contains(QStringLiteral("M0031")));
     }
     void leggiTestiLingua()
     {
         QFETCH(QByteArray, contenuto);
         QFETCH(QStringList, chiavi);
         QFETCH(QStringList, testi);
-        const Table t = parse(contenuto);
-        QCOMPARE(keysOf(t), chiavi);
-        QCOMPARE(textsOf(t), testi);
-    }
-
-    void testoLingua_data()
-    {
-        QTest::addColumn<QByteArray>("contenuto");
-        QTest::addColumn<QString>("chiave");
-        QTest::addColumn<QString>("atteso");
-        QTest::newRow("trimmed on lookup") << QByteArray(" m0100 ; Testo ") << QStringLiteral("M0100") << QStringLiteral("Testo");
-        QTest::newRow("lower-case key") << QByteArray("M0020;Hello") << QStringLiteral("m0020") << QStringLiteral("Hello");
-        QTest::newRow("first duplicate wins") << QByteArray("M0001;first\nm0001;second") << QStringLiteral("M0001")
-                                              << QStringLiteral("first");
-        QTest::newRow("missing key") << QByteArray("M0001;x") << QStringLiteral("M9999") << QString();
-        QTest::newRow("empty table") << QByteArray() << QStringLiteral("M0001") << QString();
-        QTest::newRow("apostrophe kept") << QByteArray("M0050;l'auto") << QStringLiteral("M0050") << QStringLiteral("l'auto");
-        static const char junkBytes[] = "M0030;before\n\x00\x01\xff\xfe\x80 garbage\n\x81\xc3;junk\n\xff\xff\xff\nM0031;after";
-        const QByteArray junk(junkBytes, sizeof junkBytes - 1);
-        QTest::newRow("junk, line before") << junk << QStringLiteral("M0030") << QStringLiteral("before");
-        QTest::newRow("junk, line after") << junk << QStringLiteral("M0031") << QStringLiteral("after");
-        QTest::newRow("CRLF lookup") << QByteArray("M0040;text \r\n") << QStringLiteral("M0040") << QStringLiteral("text");
-    }
-    void testoLingua()
-    {
-        QFETCH(QByteArray, contenuto);
-        QFETCH(QString, chiave);
-        QFETCH(QString, atteso);
+        QFETCH(QString, trovato);
         pub().TestiLingua = parse(contenuto);
-        QString k = chiave;
-        QCOMPARE(frame::TestoLingua(k), atteso);
-        QCOMPARE(k, chiave.toUpper()); // folded in place
-        QCOMPARE(frame::TestoLinguaApici(chiave), QString(atteso).replace(QLatin1Char('\''), QLatin1Char('`')));
-    }
-
-    void testoLinguaApiciTurnsApostrophes()
-    {
-        pub().TestiLingua = parse("M0050; l'auto dell'utente ");
-        QCOMPARE(frame::TestoLingua("M0050"), QStringLiteral("l'auto dell'utente"));
-        QCOMPARE(frame::TestoLinguaApici(QStringLiteral("m0050")), QStringLiteral("l`auto dell`utente"));
-    }
-
-    void reloadingShorterTextOverwritesFromTheStart()
-    {
-        Table t = parse("A;1\nB;2\nC;3");
-        frame::LeggiTestiLingua("X;9", t);
-        QCOMPARE(keysOf(t), (QStringList{"X", "B", "C"}));
-        QCOMPARE(textsOf(t), (QStringList{"9", "2", "3"}));
+        QCOMPARE(keysOf(pub().TestiLingua), chiavi);
+        QCOMPARE(textsOf(pub().TestiLingua), testi);
+        QString k = chiavi.value(0, QStringLiteral("M0001")).toLower();
+        QCOMPARE(frame::TestoLingua(k), trovato);
+        QCOMPARE(k, k.toUpper()); // folded in place
+        QCOMPARE(frame::TestoLinguaApici(k), QString(trovato).replace(QLatin1Char('\''), QLatin1Char('`')));
+        QCOMPARE(frame::TestoLingua("M9999"), QString());
     }
 
     void caricaFileLingua()
@@ -468,17 +388,14 @@ private slots:
             QVERIFY2(frame::CaricaFileLingua(nome), qPrintable(nome));
             QCOMPARE(frame::TestoLingua("K"), QStringLiteral("v"));
         }
-    }
-
-    void elencaLingueWithoutFiles()
-    {
-        QTemporaryDir prog;
-        pub().CartellaProgramma = prog.path() + QLatin1Char('/');
-        frame::ElencaLingue(); // no Language folder at all
-        QCOMPARE(pub().Lingue, QStringList{QString()});
-        writeFile(prog.filePath(QStringLiteral("Language/readme.txt")), "x");
-        frame::ElencaLingue();
-        QCOMPARE(pub().Lingue, QStringList{QString()});
+        // Without a Language folder, or with no language file in it, one empty name.
+        QTemporaryDir vuota;
+        writeFile(vuota.filePath(QStringLiteral("Language/readme.txt")), "x");
+        for (const QString &cartella : {vuota.filePath(QStringLiteral("missing/")), vuota.path() + QLatin1Char('/')}) {
+            pub().CartellaProgramma = cartella;
+            frame::ElencaLingue();
+            QCOMPARE(pub().Lingue, QStringList{QString()});
+        }
     }
 
     void deliveredLanguageFiles()
@@ -505,92 +422,105 @@ private slots:
             }
     }
 
+    // Every key the code names has a text in each delivered language.
+    void keysOfTheCodeInEveryLanguage_data()
+    {
+        QTest::addColumn<QString>("chiave");
+        QTest::addColumn<QString>("dove");
+        // The families of keys are the letters before the digits of those in the files (M0100, CAP01, VERU1).
+        QSet<QString> famiglie;
+        static const QRegularExpression numerata(QStringLiteral("^([A-Z]+)\\d+$"));
+        for (const QString &k : keysOf(parseLanguageFile(QStringLiteral("English"))))
+            if (const auto m = numerata.match(k); m.hasMatch())
+                famiglie << m.captured(1);
+        const QRegularExpression uso(QStringLiteral("\"((?:%1)\\d+)\"").arg(famiglie.values().join(QLatin1Char('|'))));
+        QHash<QString, bool> visti;
+        QDirIterator it(sourceDir() + QStringLiteral("src"), {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            QFile f(it.next());
+            QVERIFY(f.open(QIODevice::ReadOnly));
+            for (const auto &m : uso.globalMatch(QString::fromUtf8(f.readAll())))
+                if (!std::exchange(visti[m.captured(1)], true))
+                    QTest::newRow(qPrintable(m.captured(1))) << m.captured(1) << f.fileName();
+        }
+        QVERIFY(visti.size() > 150);
+    }
+    void keysOfTheCodeInEveryLanguage()
+    {
+        QFETCH(QString, chiave);
+        QFETCH(QString, dove);
+        for (const char *lingua : {"English", "Italian"})
+            QVERIFY2(keysOf(parseLanguageFile(QLatin1String(lingua))).contains(chiave), qPrintable(dove + QLatin1Char(' ') + lingua));
+    }
+
     // ---- settings store
 
-    void settingsStoreKeysAreCaseBlind()
+    // Keys are blind to case, sections stay apart, and a value that is not plain text reads as the default.
+    void settingsStore_data()
     {
-        frame::SettingsStore::save(kSection, QStringLiteral("PathData"), QStringLiteral("/srv/park/basedati.mdb"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Pathdata")), QStringLiteral("/srv/park/basedati.mdb"));
-        QCOMPARE(frame::SettingsStore::get(QStringLiteral("IMPOSTAZIONI"), QStringLiteral("PATHDATA")),
-                 QStringLiteral("/srv/park/basedati.mdb"));
+        QTest::addColumn<QString>("sezione");
+        QTest::addColumn<QString>("chiave");
+        QTest::addColumn<QString>("atteso"); // with "dflt" as default
+        QTest::newRow("other case") << "IMPOSTAZIONI" << "PATHDATA" << "/b/basedati.mdb";
+        QTest::newRow("other section") << "Contatori" << "Pathdata" << "dflt";
+        QTest::newRow("missing") << "Impostazioni" << "Nothing" << "dflt";
+        QTest::newRow("saved empty") << "Impostazioni" << "Vuoto" << "";
+        QTest::newRow("odd characters") << "Impostazioni" << "strano" << QStringLiteral("a, b; c=d \"e\" [f] 'g' à");
+        QTest::newRow("list written by hand") << "Impostazioni" << "lingua" << "dflt";
+        QTest::newRow("byte array") << "Impostazioni" << "logo" << "dflt";
+        QTest::newRow("invalid") << "Impostazioni" << "avvio" << "dflt";
+        QTest::newRow("plain, by hand") << "Impostazioni" << "InsertPremuto" << "S";
+    }
+    void settingsStore()
+    {
+        QFETCH(QString, sezione);
+        QFETCH(QString, chiave);
+        QFETCH(QString, atteso);
+        writeFile(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
+        frame::SettingsStore::save(kSection, QStringLiteral("PathData"), QStringLiteral("/a/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("pathdata"), QStringLiteral("/b/basedati.mdb"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("PathData")), QStringLiteral("/b/basedati.mdb"));
-        // Sections stay apart.
-        QCOMPARE(frame::SettingsStore::get(QStringLiteral("Contatori"), QStringLiteral("Pathdata"), QStringLiteral("d")),
-                 QStringLiteral("d"));
-    }
-
-    void settingsStoreDefaults()
-    {
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Nothing"), QStringLiteral("dflt")), QStringLiteral("dflt"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Nothing")), QString());
         frame::SettingsStore::save(kSection, QStringLiteral("Vuoto"), QString());
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Vuoto"), QStringLiteral("dflt")), QString());
-        const QString odd = QStringLiteral("a, b; c=d \"e\" [f] 'g' à");
-        frame::SettingsStore::save(kSection, QStringLiteral("Strano"), odd);
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("strano")), odd);
-    }
-
-    void settingsStoreJunkValues()
-    {
-        writeFile(frame::SettingsStore::fileName(),
-                  "[impostazioni]\nlingua=1, 2\npathdata=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("lingua"), QStringLiteral("0")), QStringLiteral("0"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Pathdata"), QStringLiteral("d")), QStringLiteral("d"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Avvio"), QStringLiteral("N")), QStringLiteral("N"));
-        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("InsertPremuto"), QStringLiteral("N")), QStringLiteral("S"));
+        frame::SettingsStore::save(kSection, QStringLiteral("Strano"), QStringLiteral("a, b; c=d \"e\" [f] 'g' à"));
+        QCOMPARE(frame::SettingsStore::get(sezione, chiave, QStringLiteral("dflt")), atteso);
+        QCOMPARE(frame::SettingsStore::get(sezione, QStringLiteral("Nothing")), QString());
     }
 
     // ---- start-up steps
 
     void impostaPercorsi_data()
     {
+        QTest::addColumn<QString>("cartella");
+        QTest::addColumn<QString>("salvato"); // null: nothing in the store
         QTest::addColumn<QString>("pathdata");
-        QTest::addColumn<QString>("backup");
-        QTest::addColumn<QString>("immagini");
-        QTest::newRow("usual") << QStringLiteral("/srv/park/basedati.mdb") << QStringLiteral("/srv/park/ElencoBackup.mdb")
-                               << QStringLiteral("/srv/park/immagini/");
-        QTest::newRow("exactly 13") << QStringLiteral("/basedati.mdb") << QStringLiteral("/ElencoBackup.mdb")
-                                    << QStringLiteral("/immagini/");
-        QTest::newRow("shorter than 13") << QStringLiteral("/a/b.mdb") << QString() << QString();
-        QTest::newRow("other name length") << QStringLiteral("/srv/park/dati.sqlite") << QStringLiteral("/srv/par/ElencoBackup.mdb")
-                                           << QStringLiteral("/srv/par/immagini/");
+        QTest::addColumn<QString>("dati"); // folder of the backup list and the images, null for none
+        const QString opt = QStringLiteral("/opt/veltano");
+        QTest::newRow("default") << opt << QString() << "/opt/veltano/basedati.mdb" << "/opt/veltano/";
+        QTest::newRow("default, separator") << "/opt/veltano/" << QString() << "/opt/veltano/basedati.mdb" << "/opt/veltano/";
+        QTest::newRow("default, unclean") << "/opt/./veltano//" << QString() << "/opt/veltano/basedati.mdb" << "/opt/veltano/";
+        QTest::newRow("usual") << opt << "/srv/park/basedati.mdb" << "/srv/park/basedati.mdb" << "/srv/park/";
+        QTest::newRow("exactly 13") << opt << "/basedati.mdb" << "/basedati.mdb" << "/";
+        QTest::newRow("shorter than 13") << opt << "/a/b.mdb" << "/a/b.mdb" << QString();
+        QTest::newRow("other name length") << opt << "/srv/park/dati.sqlite" << "/srv/park/dati.sqlite" << "/srv/par/";
     }
     void impostaPercorsi()
     {
-        QFETCH(QString, pathdata);
-        QFETCH(QString, backup);
-        QFETCH(QString, immagini);
-        frame::SettingsStore::save(kSection, QStringLiteral("PathData"), pathdata);
-        pub().PercorsoElencoBackup = QStringLiteral("stale");
-        pub().CartellaImmagini = QStringLiteral("stale");
-        QVERIFY_THROWS_NO_EXCEPTION(frame::ImpostaPercorsi(QStringLiteral("/opt/veltano")));
-        QCOMPARE(pub().Pathdata, pathdata);
-        QCOMPARE(pub().PercorsoElencoBackup, backup);
-        QCOMPARE(pub().CartellaImmagini, immagini);
-        QCOMPARE(pub().PercorsoLocadati, QStringLiteral("/opt/veltano/locadati.mdb"));
-    }
-
-    void impostaPercorsiDefaults_data()
-    {
-        QTest::addColumn<QString>("cartella");
-        QTest::newRow("no separator") << QStringLiteral("/opt/veltano");
-        QTest::newRow("separator") << QStringLiteral("/opt/veltano/");
-        QTest::newRow("unclean") << QStringLiteral("/opt/./veltano//");
-    }
-    void impostaPercorsiDefaults()
-    {
         QFETCH(QString, cartella);
-        frame::ImpostaPercorsi(cartella);
+        QFETCH(QString, salvato);
+        QFETCH(QString, pathdata);
+        QFETCH(QString, dati);
+        if (!salvato.isNull())
+            frame::SettingsStore::save(kSection, QStringLiteral("PathData"), salvato);
+        pub().PercorsoElencoBackup = pub().CartellaImmagini = QStringLiteral("stale");
+        QVERIFY_THROWS_NO_EXCEPTION(frame::ImpostaPercorsi(cartella));
         QCOMPARE(pub().CartellaProgramma, QStringLiteral("/opt/veltano/"));
-        QCOMPARE(pub().Pathdata, QStringLiteral("/opt/veltano/basedati.mdb"));
-        QCOMPARE(pub().PercorsoElencoBackup, QStringLiteral("/opt/veltano/ElencoBackup.mdb"));
-        QCOMPARE(pub().CartellaImmagini, QStringLiteral("/opt/veltano/immagini/"));
+        QCOMPARE(pub().Pathdata, pathdata);
+        QCOMPARE(pub().PercorsoElencoBackup, dati.isNull() ? QString() : dati + QStringLiteral("ElencoBackup.mdb"));
+        QCOMPARE(pub().CartellaImmagini, dati.isNull() ? QString() : dati + QStringLiteral("immagini/"));
         QCOMPARE(pub().PercorsoLocadati, QStringLiteral("/opt/veltano/locadati.mdb"));
         QCOMPARE(pub().CodaConnessione, QStringLiteral(";PWD=quartzel"));
-        QVERIFY(pub().CartellaWin.endsWith(QLatin1Char('/')));
         QCOMPARE(pub().CartellaTemp, pub().CartellaWin + QLatin1String(frame::TitoloApplicazione) + QLatin1Char('/'));
-        QVERIFY(pub().IndirizzoProdotto.endsWith(QLatin1Char('/')));
+        QVERIFY(pub().CartellaWin.endsWith(QLatin1Char('/')) && pub().IndirizzoProdotto.endsWith(QLatin1Char('/')));
     }
 
     void impostaLingua_data()
@@ -630,107 +560,87 @@ private slots:
         QCOMPARE(textsOf(pub().TestiLingua), textsOf(expected));
     }
 
+    // The year and the other data settings at start; with no settings row every option is on and the year makes the row.
     void annoEsercizio_data()
     {
-        QTest::addColumn<QVariant>("salvato");
+        QTest::addColumn<QVariant>("salvato"); // invalid with "no row": the row is deleted
         QTest::addColumn<QString>("atteso");
         QTest::newRow("empty") << QVariant(QString()) << year();
         QTest::newRow("null") << QVariant() << year();
         QTest::newRow("blanks") << QVariant(QStringLiteral("   ")) << year();
         QTest::newRow("set") << QVariant(QStringLiteral("2031")) << QStringLiteral("2031");
+        QTest::newRow("no row") << QVariant() << year();
     }
     void annoEsercizio()
     {
         QFETCH(QVariant, salvato);
         QFETCH(QString, atteso);
         TestDatabase db;
-        frame::basedati().execute(QStringLiteral("update Impostazioni set AnnoEsercizio = ?"), {salvato});
+        const bool senzaRiga = QByteArray(QTest::currentDataTag()) == "no row";
+        frame::basedati().execute(senzaRiga ? QStringLiteral("delete from Impostazioni") : QStringLiteral("update Impostazioni set AnnoEsercizio = ?"),
+                                  senzaRiga ? QVariantList() : QVariantList{salvato});
+        for (const auto &o : kOpzioni)
+            pub().*o.flag = false;
         pub().AnnoEsercizio.clear();
+        pub().FasciaDefault = QStringLiteral("stale");
         frame::LeggeImpostazioniAvvio();
         QCOMPARE(pub().AnnoEsercizio, atteso);
         QCOMPARE(frame::LeggeImpostazione(QStringLiteral("AnnoEsercizio")).toString().trimmed(), atteso);
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toLongLong(), 1);
+        if (senzaRiga) {
+            for (const auto &o : kOpzioni)
+                QVERIFY2(pub().*o.flag, o.campo);
+            QCOMPARE(pub().FasciaDefault, QString());
+        }
     }
 
+    // Each option reads its own field: the one under test holds the value, the others its opposite.
     void opzioni_data()
     {
+        QTest::addColumn<QByteArray>("lingua"); // the texts in use, empty for English
         QTest::addColumn<QVariant>("salvato");
         QTest::addColumn<bool>("attiva");
-        QTest::newRow("N") << QVariant(QStringLiteral("N")) << false;
-        QTest::newRow("S") << QVariant(QStringLiteral("S")) << true;
-        QTest::newRow("empty") << QVariant(QString()) << true;
-        QTest::newRow("null") << QVariant() << true;
-        QTest::newRow("No") << QVariant(QStringLiteral("No")) << true;
-        QTest::newRow("n") << QVariant(QStringLiteral("n")) << true;
-        QTest::newRow("N with blank") << QVariant(QStringLiteral("N ")) << true;
+        const QByteArray no("M0304;Si\nM0305;No\n");
+        QTest::newRow("N") << QByteArray() << QVariant(QStringLiteral("N")) << false;
+        QTest::newRow("S") << QByteArray() << QVariant(QStringLiteral("S")) << true;
+        QTest::newRow("empty") << QByteArray() << QVariant(QString()) << true;
+        QTest::newRow("null") << QByteArray() << QVariant() << true;
+        QTest::newRow("No") << QByteArray() << QVariant(QStringLiteral("No")) << true;
+        QTest::newRow("n") << QByteArray() << QVariant(QStringLiteral("n")) << true;
+        QTest::newRow("N with blank") << QByteArray() << QVariant(QStringLiteral("N ")) << true;
+        QTest::newRow("No, the word of the language") << no << QVariant(QStringLiteral("No")) << false;
+        QTest::newRow("N under another word") << no << QVariant(QStringLiteral("N")) << true;
     }
     void opzioni()
     {
+        QFETCH(QByteArray, lingua);
         QFETCH(QVariant, salvato);
         QFETCH(bool, attiva);
         TestDatabase db;
-        QCOMPARE(frame::TestoLingua("M0305"), QStringLiteral("N"));
-        for (const auto &o : kOpzioni) {
-            frame::basedati().execute(QStringLiteral("update Impostazioni set %1 = ?").arg(QLatin1String(o.campo)), {salvato});
-            pub().*o.flag = !attiva;
-        }
-        frame::LeggeImpostazioniAvvio();
-        for (const auto &o : kOpzioni)
-            QVERIFY2(pub().*o.flag == attiva, o.campo);
-    }
-
-    void eachOptionReadsItsOwnField()
-    {
-        TestDatabase db;
-        for (const auto &off : kOpzioni) {
+        if (!lingua.isEmpty())
+            pub().TestiLingua = parse(lingua);
+        const QVariant opposto = attiva ? frame::TestoLingua("M0305") : QStringLiteral("S");
+        for (const auto &prova : kOpzioni) {
             for (const auto &o : kOpzioni)
                 frame::basedati().execute(QStringLiteral("update Impostazioni set %1 = ?").arg(QLatin1String(o.campo)),
-                                          {QString::fromLatin1(&o == &off ? "N" : "S")});
+                                          {&o == &prova ? salvato : opposto});
             frame::LeggeImpostazioniAvvio();
             for (const auto &o : kOpzioni)
-                QVERIFY2(pub().*o.flag == (&o != &off), qPrintable(QStringLiteral("%1 off, %2").arg(off.campo, o.campo)));
+                QVERIFY2(pub().*o.flag == (&o == &prova ? attiva : !attiva), qPrintable(QStringLiteral("%1: %2").arg(prova.campo, o.campo)));
         }
     }
 
-    void optionWordFollowsTheLanguage()
-    {
-        TestDatabase db;
-        pub().TestiLingua = parse("M0304;Si\nM0305;No\n");
-        QVERIFY(!frame::OpzioneAttiva(QStringLiteral("No")));
-        QVERIFY(frame::OpzioneAttiva(QStringLiteral("N")));
-        frame::ScriveImpostazione(QStringLiteral("OpAnnullare"), QStringLiteral("No"));
-        frame::ScriveImpostazione(QStringLiteral("OpModificare"), QStringLiteral("N"));
-        frame::LeggeImpostazioniAvvio();
-        QVERIFY(!pub().OpAnnullare);
-        QVERIFY(pub().OpModificare);
-    }
-
+    // With no settings row a read gives "", and a write adds the one row, then edits it.
     void emptySettingsTable()
     {
         TestDatabase db;
         frame::basedati().execute(QStringLiteral("delete from Impostazioni"));
         QCOMPARE(frame::LeggeImpostazione(QStringLiteral("FasciaDefault")), QVariant(QString()));
-        QCOMPARE(frame::LeggeImpostazione(QStringLiteral("AnnoEsercizio")).toString(), QString());
-
-        for (const auto &o : kOpzioni)
-            pub().*o.flag = false;
-        pub().FasciaDefault = QStringLiteral("stale");
-        frame::LeggeImpostazioniAvvio();
-        for (const auto &o : kOpzioni)
-            QVERIFY2(pub().*o.flag, o.campo);
-        QCOMPARE(pub().FasciaDefault, QString());
-        QCOMPARE(pub().AnnoEsercizio, year());
-        // Writing the year back made the one row.
-        QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toLongLong(), 1);
-        QCOMPARE(frame::LeggeImpostazione(QStringLiteral("AnnoEsercizio")).toString(), year());
-
-        frame::basedati().execute(QStringLiteral("delete from Impostazioni"));
-        frame::ScriveImpostazione(QStringLiteral("FasciaDefault"), QStringLiteral("02"));
-        QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toLongLong(), 1);
-        QCOMPARE(frame::LeggeImpostazione(QStringLiteral("FasciaDefault")).toString(), QStringLiteral("02"));
-        frame::ScriveImpostazione(QStringLiteral("FasciaDefault"), QStringLiteral("03"));
-        QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toLongLong(), 1);
-        QCOMPARE(frame::LeggeImpostazione(QStringLiteral("FasciaDefault")).toString(), QStringLiteral("03"));
+        for (const QString &fascia : {QStringLiteral("02"), QStringLiteral("03")}) {
+            frame::ScriveImpostazione(QStringLiteral("FasciaDefault"), fascia);
+            QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toLongLong(), 1);
+            QCOMPARE(frame::LeggeImpostazione(QStringLiteral("FasciaDefault")).toString(), fascia);
+        }
     }
 
     void startupCopiesTheRest()
@@ -802,12 +712,6 @@ private slots:
         QVERIFY_THROWS_NO_EXCEPTION(frame::MostraStato(QStringLiteral("nobody listens")));
         frame::MostraErrore(prompter, QString());
         QCOMPARE(prompter.messages.size(), 2);
-    }
-
-    void formatoDataDiSistema()
-    {
-        const QString f = frame::FormatoDataDiSistema();
-        QVERIFY2(f == QLatin1String("dd/mm/yyyy") || f == QLatin1String("mm/dd/yyyy"), qPrintable(f));
     }
 };
 

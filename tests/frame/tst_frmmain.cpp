@@ -6,6 +6,7 @@
 #include <PublicState.h>
 #include <Routines.h>
 #include <SettingsStore.h>
+#include <Startup.h>
 #include <frmLogin.h>
 #include <frmMain.h>
 
@@ -13,6 +14,7 @@
 #include <TestDatabase.h>
 
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -54,26 +56,74 @@ private slots:
         m_prompter = ScriptedPrompter();
     }
 
+    // The remembered place and size, made to fit the screen; junk gives the screen's size.
+    void geometryFromSettings_data()
+    {
+        QTest::addColumn<QStringList>("salvata"); // left, top, width, height
+        QTest::addColumn<QRect>("attesa"); // null: the whole screen; a negative place counts from its far edge, height 0 is its height
+        QTest::newRow("inside") << QStringList{"40", "30", "700", "500"} << QRect(40, 30, 700, 500);
+        QTest::newRow("junk") << QStringList{"0", "0", "abc", "-5"} << QRect();
+        QTest::newRow("taller than the screen") << QStringList{"0", "0", "700", "99999"} << QRect(0, 0, 700, 0);
+        QTest::newRow("off the bottom right") << QStringList{"99999", "99999", "700", "500"} << QRect(-700, -500, 700, 500);
+        QTest::newRow("off the top left") << QStringList{"-300", "-200", "700", "500"} << QRect(0, 0, 700, 500);
+    }
     void geometryFromSettings()
     {
-        save(section(), key("MainLeft"), key("40"));
-        save(section(), key("MainTop"), key("30"));
-        save(section(), key("MainWidth"), key("700"));
-        save(section(), key("MainHeight"), key("500"));
+        QFETCH(QStringList, salvata);
+        QFETCH(QRect, attesa);
+        const char *chiavi[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
+        for (int i = 0; i < 4; ++i)
+            save(section(), key(chiavi[i]), salvata[i]);
+        const QRect schermo = QGuiApplication::primaryScreen()->availableGeometry();
+        QRect r = attesa.isNull() ? schermo : attesa;
+        if (r.height() == 0)
+            r.setHeight(schermo.height());
+        r.moveTo(r.x() < 0 ? schermo.right() + 1 + r.x() : r.x(), r.y() < 0 ? schermo.bottom() + 1 + r.y() : r.y());
         frame::frmMain w(m_prompter);
-        QCOMPARE(w.pos(), QPoint(40, 30));
-        QCOMPARE(w.size(), QSize(700, 500));
+        QCOMPARE(QRect(w.pos(), w.size()), r);
+        QVERIFY(schermo.contains(QRect(w.pos(), w.size())));
         QVERIFY(w.windowTitle().startsWith(QLatin1String("Veltano ")));
+        QVERIFY(!w.windowIcon().isNull());
     }
 
-    // Junk in the store gives the screen's size, never a window of no size.
-    void junkGeometry()
+    // Beside the executable: the desktop entry, with the program and its icon.
+    void desktopEntry()
     {
-        save(section(), key("MainWidth"), key("abc"));
-        save(section(), key("MainHeight"), key("-5"));
-        frame::frmMain w(m_prompter);
-        const QSize screen = QGuiApplication::primaryScreen()->availableGeometry().size();
-        QCOMPARE(w.size(), screen);
+        const QString cartella = QCoreApplication::applicationDirPath() + QLatin1Char('/');
+        QFile f(cartella + QStringLiteral("veltano.desktop"));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QString voce = QString::fromUtf8(f.readAll());
+        for (const QString &riga : {QStringLiteral("Name=Veltano"), QStringLiteral("Exec=") + cartella + QStringLiteral("veltano"),
+                                    QStringLiteral("Icon=") + cartella + QStringLiteral("veltano.png"), QStringLiteral("Categories=")})
+            QVERIFY2(voce.contains(riga), qPrintable(riga));
+        QVERIFY(!QIcon(cartella + QStringLiteral("veltano.png")).pixmap(32).isNull());
+    }
+
+    // Qt's own texts, month names and the date placeholder follow the language file in use; a switch replaces them.
+    void qtTextsFollowTheLanguage_data()
+    {
+        QTest::addColumn<QString>("lingua");
+        QTest::addColumn<QString>("annulla");
+        QTest::addColumn<QString>("mese");
+        QTest::addColumn<QString>("segnaposto");
+        QTest::newRow("Italian") << "Italian" << "Annulla" << "novembre" << "gg/mm/aaaa";
+        QTest::newRow("English") << "English" << "Cancel" << "November" << "mm/dd/yyyy";
+    }
+    void qtTextsFollowTheLanguage()
+    {
+        QFETCH(QString, lingua);
+        QFETCH(QString, annulla);
+        QFETCH(QString, mese);
+        QFETCH(QString, segnaposto);
+        frame::pub().CartellaProgramma = QStringLiteral(VELTANO_SOURCE_DIR "/");
+        frame::ElencaLingue();
+        frame::pub().LinguaCorrente = int(frame::pub().Lingue.indexOf(lingua));
+        frame::CaricaLinguaCorrente();
+        frame::pub().FormatoData = frame::FormatoDataDiSistema();
+        QDialogButtonBox box(QDialogButtonBox::Cancel);
+        QCOMPARE(box.button(QDialogButtonBox::Cancel)->text().remove(QLatin1Char('&')), annulla);
+        QCOMPARE(QLocale().standaloneMonthName(11), mese);
+        QCOMPARE(frame::SegnapostoData(), segnaposto);
     }
 
     void statusPanel()
@@ -85,6 +135,7 @@ private slots:
         QCOMPARE(w.statusText(), QString());
     }
 
+    // Closing saves the place and size, unless the window is minimised.
     void closingSavesGeometry()
     {
         {
@@ -99,21 +150,14 @@ private slots:
         QCOMPARE(get(section(), key("mainwidth")), key("640"));
         QCOMPARE(get(section(), key("MAINHEIGHT")), key("480"));
         QCOMPARE(get(section(), key("InsertPremuto")), key("S"));
-    }
-
-    void minimisedKeepsSavedGeometry()
-    {
-        save(section(), key("MainWidth"), key("900"));
-        {
-            frame::frmMain w(m_prompter);
-            w.show();
-            w.resize(300, 200);
-            w.showMinimized();
-            if (!w.isMinimized())
-                QSKIP("this platform does not minimise windows");
-            w.close();
-        }
-        QCOMPARE(get(section(), key("MainWidth")), key("900"));
+        frame::frmMain w(m_prompter);
+        w.show();
+        w.resize(300, 200);
+        w.showMinimized();
+        if (!w.isMinimized())
+            QSKIP("this platform does not minimise windows");
+        w.close();
+        QCOMPARE(get(section(), key("MainWidth")), key("640"));
     }
 
     void loginWindow_data()

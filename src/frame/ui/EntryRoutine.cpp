@@ -55,7 +55,8 @@ frmMain::Apertura unicaInterna()
             aperta = new Finestra(main.prompter());
             QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(aperta);
             sotto->setAttribute(Qt::WA_DeleteOnClose);
-            sotto->resize(aperta->size());
+            // The size the window asks for, within the main window's area: nothing starts off screen.
+            sotto->resize(aperta->size().boundedTo(main.mdiArea()->viewport()->size()));
             sotto->show();
         }
         main.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(aperta->parentWidget()));
@@ -79,6 +80,8 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(TitoloApplicazione));
     QApplication::setOrganizationName(QString::fromLatin1(TitoloApplicazione));
+    QApplication::setWindowIcon(IconaProgramma());
+    QApplication::setDesktopFileName(QStringLiteral("veltano"));
 
     // A second instance of the same user ends at once, without a word.
     QLockFile instance(QDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation))
@@ -93,11 +96,12 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
         return 1;
     }
 
-    pub().FormatoData = FormatoDataDiSistema();
     const QString cartella = QApplication::applicationDirPath();
     QDir::setCurrent(cartella);
     ImpostaPercorsi(cartella);
     ImpostaLingua();
+    // Dates follow the locale of the language just loaded.
+    pub().FormatoData = FormatoDataDiSistema();
 
     if (!QFileInfo::exists(pub().Pathdata)) {
         // Only the settings window can name another database; until it is at hand the start ends here.

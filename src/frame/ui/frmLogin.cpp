@@ -2,6 +2,7 @@
 #include "frmLogin.h"
 
 #include "ui_frmLogin.h"
+#include "frmMain.h"
 
 #include <Colori.h>
 #include <Compaction.h>
@@ -23,39 +24,16 @@
 #include <QDesktopServices>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPainter>
 #include <QUrl>
 
 namespace frame {
-
-namespace {
-
-QPixmap logo()
-{
-    QPixmap pm(72, 72);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setBrush(QColor(0x1d, 0x4e, 0x89));
-    p.setPen(Qt::NoPen);
-    p.drawRoundedRect(QRectF(2, 2, 68, 68), 12, 12);
-    QFont f = p.font();
-    f.setPixelSize(52);
-    f.setBold(true);
-    p.setFont(f);
-    p.setPen(Qt::white);
-    p.drawText(pm.rect(), Qt::AlignCenter, QStringLiteral("P"));
-    return pm;
-}
-
-} // namespace
 
 frmLogin::frmLogin(Prompter &prompter, Modo modo, QWidget *parent)
     : QDialog(parent), m_ui(new Ui::frmLogin), m_prompter(prompter)
 {
     m_ui->setupUi(this);
     m_ui->LblNome->setText(QString::fromLatin1(TitoloApplicazione));
-    m_ui->Image1->setPixmap(logo());
+    m_ui->Image1->setPixmap(IconaProgramma().pixmap(72, 72));
     m_ui->Image1->installEventFilter(this);
     m_ui->lblUtente->setText(TestoLingua("M0258"));
     m_ui->lblPassword->setText(TestoLingua("M0259"));

@@ -36,6 +36,8 @@
 #include <QToolBar>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace frame {
 
 namespace {
@@ -70,6 +72,7 @@ frmMain::frmMain(Prompter &prompter, QWidget *parent)
     : QMainWindow(parent), m_prompter(prompter), m_mdi(new QMdiArea(this)), m_panel1(new QLabel(this))
 {
     setObjectName(QStringLiteral("frmMain"));
+    setWindowIcon(IconaProgramma());
     setCentralWidget(m_mdi);
     m_mdi->setObjectName(QStringLiteral("MDIClient"));
     m_panel1->setObjectName(QStringLiteral("sbStatusBar_panel1"));
@@ -126,21 +129,21 @@ void frmMain::creaMenu()
     QAction *sep = ser->addSeparator();
     sep->setObjectName(QStringLiteral("serSeparatore"));
     m_azioni.insert(sep->objectName(), sep);
-    azione(ser, "log", QStringLiteral("&Login..."), [this] { login(); });
+    azione(ser, "log", QString(), [this] { login(); });
 
     QMenu *utilita = top("utilita");
-    azione(utilita, "calcolatrice", QStringLiteral("&Calcolatrice"), [this] { calcolatrice(); });
+    azione(utilita, "calcolatrice", QString(), [this] { calcolatrice(); });
     // The phone book lives in the customers window and the counters in the settings: nothing stands behind these two.
-    azione(utilita, "rubrica", QStringLiteral("&Rubrica"),
-           [this] { MostraErrore(m_prompter, QStringLiteral("Object variable not set: rubrica")); });
+    // CAP09: "Object variable not set"
+    azione(utilita, "rubrica", QString(), [this] { MostraErrore(m_prompter, TestoLingua("CAP09") + QStringLiteral(": rubrica")); });
 
     QMenu *imp = top("Imp");
     azione(imp, "impostazioni", QString(), [this] {
         if (pub().UtenteCorrente != QLatin1String("administrator"))
             m_prompter.information(TestoLingua("M0373"));
     });
-    azione(imp, "Impostazioni_progressivi", QStringLiteral("&Progressivi"),
-           [this] { MostraErrore(m_prompter, QStringLiteral("Object variable not set: Impostazioni_progressivi")); });
+    azione(imp, "Impostazioni_progressivi", QString(),
+           [this] { MostraErrore(m_prompter, TestoLingua("CAP09") + QStringLiteral(": Impostazioni_progressivi")); });
     QAction *barra = azione(imp, "BarraStrumenti", QString(), [this](bool on) { m_toolbar->setVisible(on); });
     barra->setCheckable(true);
 
@@ -149,7 +152,7 @@ void frmMain::creaMenu()
     azione(finestre, "mnuWindowTileHorizontal", QString(), [this] { affianca(Qt::Vertical); });
     azione(finestre, "mnuWindowTileVertical", QString(), [this] { affianca(Qt::Horizontal); });
 
-    top("mnuLan")->setTitle(QStringLiteral("&Lingua / Language"));
+    top("mnuLan");
 
     QMenu *help = top("help");
     help->setTitle(QStringLiteral("&?"));
@@ -211,6 +214,9 @@ void frmMain::impostaDidascalie()
         {"mnuWindowTileHorizontal", "M0276"}, {"mnuWindowTileVertical", "M0277"}, {"BarraStrumenti", "M0278"},
         {"guida", "M0279"}, {"informazioni", "M0280"}, {"mnuUpgrade", "M0282"}, {"ana", "M0283"},
         {"tab", "M0284"}, {"Sta", "M0285"}, {"ser", "M0286"}, {"Imp", "M0287"}, {"chiu", "M0288"},
+        // The entries that have no key of their own: login, tools, calculator, phone book, counters, language.
+        {"log", "CAP02"}, {"utilita", "CAP03"}, {"calcolatrice", "CAP04"}, {"rubrica", "CAP05"},
+        {"Impostazioni_progressivi", "CAP06"}, {"mnuLan", "CAP07"},
     };
     for (const auto &d : didascalie) {
         const QString nome = QString::fromLatin1(d.controllo);
@@ -219,7 +225,6 @@ void frmMain::impostaDidascalie()
         else if (QAction *a = m_azioni.value(nome))
             a->setText(TestoLingua(d.chiave));
     }
-    m_menu.value(QStringLiteral("utilita"))->setTitle(QStringLiteral("&Strumenti / Tools"));
     const struct {
         const char *bottone;
         const char *chiave;
@@ -270,10 +275,22 @@ QAction *frmMain::voce(MenuVoci menu, int indice) const
     return m_voci.value(int(menu)).value(indice);
 }
 
+QIcon IconaProgramma()
+{
+    return QIcon(QStringLiteral(":/icons/veltano.png"));
+}
+
+QRect DentroSchermo(const QRect &voluta, const QRect &schermo)
+{
+    // No larger than the screen's free area, and moved back onto it: the status bar stays in sight.
+    const QSize dim = voluta.size().boundedTo(schermo.size());
+    const int left = std::clamp(voluta.left(), schermo.left(), schermo.right() + 1 - dim.width());
+    const int top = std::clamp(voluta.top(), schermo.top(), schermo.bottom() + 1 - dim.height());
+    return QRect(QPoint(left, top), dim);
+}
+
 void frmMain::restoreGeometryFromSettings()
 {
-    const QRect screen = QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry()
-                                                          : QRect(0, 0, 1024, 768);
     auto number = [](const QString &text, int def) {
         bool ok = false;
         const int n = text.toInt(&ok);
@@ -281,15 +298,20 @@ void frmMain::restoreGeometryFromSettings()
     };
     const int left = number(registro(QStringLiteral("MainLeft"), QStringLiteral("0")), 0);
     const int top = number(registro(QStringLiteral("MainTop"), QStringLiteral("0")), 0);
-    // Junk or a size beyond reason falls back to the screen's size.
-    int width = number(registro(QStringLiteral("MainWidth"), QString()), screen.width());
-    int height = number(registro(QStringLiteral("MainHeight"), QString()), screen.height());
-    if (width < 200 || width > 4 * screen.width())
-        width = screen.width();
-    if (height < 150 || height > 4 * screen.height())
-        height = screen.height();
-    move(left, top);
-    resize(width, height);
+    const QScreen *schermo = QGuiApplication::screenAt(QPoint(left, top));
+    if (!schermo)
+        schermo = QGuiApplication::primaryScreen();
+    const QRect area = schermo ? schermo->availableGeometry() : QRect(0, 0, 1024, 768);
+    // Junk or a size too small to use falls back to the screen's size.
+    int width = number(registro(QStringLiteral("MainWidth"), QString()), area.width());
+    int height = number(registro(QStringLiteral("MainHeight"), QString()), area.height());
+    if (width < 200)
+        width = area.width();
+    if (height < 150)
+        height = area.height();
+    const QRect r = DentroSchermo(QRect(left, top, width, height), area);
+    move(r.topLeft());
+    resize(r.size());
 }
 
 void frmMain::Avvio()
@@ -345,7 +367,7 @@ void frmMain::CliccaVoce(MenuVoci menu, int indice)
     if (!EAmministratore()) {
         const ElementoAccesso *diritto = DirittoAlla(posizione);
         if (!diritto) {
-            MostraErrore(m_prompter, QStringLiteral("Subscript out of range: no rights for this user."));
+            MostraErrore(m_prompter, TestoLingua("CAP10")); // "Subscript out of range: no rights for this user."
             return;
         }
         if (diritto->Password && !FrmPassword::Conferma(m_prompter, this))
@@ -474,7 +496,7 @@ void frmMain::calcolatrice()
         if (!programma.isEmpty() && QProcess::startDetached(programma, {}))
             return;
     }
-    MostraErrore(m_prompter, QStringLiteral("No calculator program was found (gnome-calculator, kcalc, galculator, xcalc)."));
+    MostraErrore(m_prompter, TestoLingua("CAP08") + QStringLiteral(" (gnome-calculator, kcalc, galculator, xcalc)")); // no calculator found
 }
 
 void frmMain::closeEvent(QCloseEvent *event)

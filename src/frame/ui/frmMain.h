@@ -3,7 +3,9 @@
 #include <Rights.h>
 
 #include <QHash>
+#include <QIcon>
 #include <QMainWindow>
+#include <QRect>
 
 #include <functional>
 
@@ -16,6 +18,11 @@ class QToolBar;
 namespace frame {
 
 class Prompter;
+
+// The program's own icon, for its windows and the login's logo.
+QIcon IconaProgramma();
+// A window's wanted place and size, made to fit the free area of the screen.
+QRect DentroSchermo(const QRect &voluta, const QRect &schermo);
 
 // The one multi-document window: every record window opens as its child.
 // Its four item menus are built at login from the user's rights.

@@ -16,7 +16,7 @@ namespace frame {
 CasellaData::CasellaData(QWidget *parent) : CasellaTesto(parent)
 {
     setValidator(new ValidatoreCasella(PuoDiventareData, this));
-    setPlaceholderText(pub().FormatoData);
+    setPlaceholderText(SegnapostoData());
     QAction *apri = addAction(style()->standardIcon(QStyle::SP_ArrowDown), QLineEdit::TrailingPosition);
     connect(apri, &QAction::triggered, this, &CasellaData::apriCalendario);
 }

@@ -174,7 +174,7 @@ frmPark::frmPark(frame::Prompter &prompter, QWidget *parent)
     m_ui->TxtTR_1->setMaxLength(recordset().field(QStringLiteral("Anno")).size);
     m_ui->TxtTR_2->setMaxLength(recordset().field(QStringLiteral("Targa")).size);
     m_ui->TxtDR_0->setMaxLength(20);
-    m_ui->TxtDR_0->setPlaceholderText(pub().FormatoData);
+    m_ui->TxtDR_0->setPlaceholderText(frame::SegnapostoData());
     ImpostaDidascalie();
     impostaDidascalie();
 

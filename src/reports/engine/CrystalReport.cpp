@@ -7,6 +7,7 @@
 #include <Connections.h>
 #include <Database.h>
 #include <DbError.h>
+#include <Language.h>
 #include <Prompter.h>
 #include <PublicState.h>
 
@@ -20,6 +21,7 @@
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QScreen>
 #include <QToolBar>
 
 #include <memory>
@@ -152,16 +154,14 @@ bool CrystalReport::setAction(int action)
         case ToPrinter: {
             const QPrinterInfo info = QPrinterInfo::defaultPrinter();
             if (info.isNull())
-                throw RunError(QStringLiteral("No printer is installed, so \"%1\" can't be printed. Install a printer, "
-                                              "or open the report on screen and save it as a PDF file.")
-                                   .arg(title));
+                throw RunError(frame::TestoLingua("CAP11").arg(title)); // no printer: open it on screen and save a PDF
             QPrinter printer(info, QPrinter::HighResolution);
             printer.setFullPage(true);
             printer.setPageLayout(run->pageLayout());
             printer.setDocName(title);
             QPainter painter;
             if (!painter.begin(&printer))
-                throw RunError(QStringLiteral("The printer %1 can't be used now: check that it is on and ready.").arg(info.printerName()));
+                throw RunError(frame::TestoLingua("CAP12").arg(info.printerName())); // the printer is not ready
             run->paint(painter, printer, keep);
             painter.end();
             break;
@@ -172,6 +172,7 @@ bool CrystalReport::setAction(int action)
             auto *dialog = new QPrintPreviewDialog(d->parent);
             dialog->setAttribute(Qt::WA_DeleteOnClose);
             dialog->setWindowTitle(title);
+            dialog->resize(dialog->screen()->availableGeometry().size() * 3 / 4); // pages readable at once
             QPrinter *printer = dialog->printer();
             printer->setFullPage(true);
             printer->setPageLayout(run->pageLayout());
@@ -184,11 +185,11 @@ bool CrystalReport::setAction(int action)
             if (auto *bar = dialog->findChild<QToolBar *>()) {
                 bar->addSeparator();
                 QAction *pdf = bar->addAction(QStringLiteral("PDF"));
-                pdf->setToolTip(QStringLiteral("Save as a PDF file"));
+                pdf->setToolTip(frame::TestoLingua("CAP13")); // "Save as a PDF file"
                 pdf->setObjectName(QStringLiteral("savePdf"));
                 // The window may outlive the form that asked for it, so it tells its own failures.
                 QObject::connect(pdf, &QAction::triggered, dialog, [run, dialog, title] {
-                    const QString path = QFileDialog::getSaveFileName(dialog, QStringLiteral("Save as PDF"),
+                    const QString path = QFileDialog::getSaveFileName(dialog, frame::TestoLingua("CAP13"),
                                                                       title + QStringLiteral(".pdf"), QStringLiteral("PDF (*.pdf)"));
                     if (path.isEmpty())
                         return;

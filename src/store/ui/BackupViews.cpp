@@ -61,11 +61,11 @@ QVariant BackupCatalogueModel::headerData(int section, Qt::Orientation orientati
         return QAbstractTableModel::headerData(section, orientation, role);
     // The user and note columns are captioned in the user's language; the others keep their field names.
     switch (section) {
-    case ColData: return QStringLiteral("Data");
+    case ColData: return frame::TestoLingua("M0209");
     case ColUtilizzatore: return frame::TestoLingua("M0176");
     case ColNote: return frame::TestoLingua("M0192");
-    case ColPercorso: return QStringLiteral("Percorso");
-    case ColNomeFile: return QStringLiteral("NomeFile");
+    case ColPercorso: return frame::TestoLingua("CAP17");
+    case ColNomeFile: return frame::TestoLingua("CAP18");
     default: return QVariant();
     }
 }

@@ -18,6 +18,8 @@ frmCopia::frmCopia(QWidget *parent) : QDialog(parent), m_ui(new Ui::frmCopia)
     m_grid = new CatalogueGrid(m_ui->TDBGrid1);
     setWindowTitle(frame::TestoLingua("M0272"));
     m_ui->LblText1->setText(frame::TestoLingua("M0192"));
+    m_ui->LblTexth->setText(frame::TestoLingua("CAP14"));
+    m_ui->ChkAutoCanc->setText(frame::TestoLingua("CAP15"));
     m_ui->Command3->setText(frame::TestoLingua("M0137"));
     connect(m_ui->Command2, &QPushButton::clicked, this, &frmCopia::Command2_Click);
     connect(m_ui->Command1, &QPushButton::clicked, this, &frmCopia::Command1_Click);

@@ -13,6 +13,7 @@ frmRipristina::frmRipristina(QWidget *parent, bool daLogin)
     m_ui->setupUi(this);
     m_grid = new CatalogueGrid(m_ui->TDBGrid1);
     setWindowTitle(frame::TestoLingua("M0273"));
+    m_ui->Command2->setText(frame::TestoLingua("CAP16"));
     m_ui->Command3->setText(frame::TestoLingua("M0137"));
     connect(m_ui->Command2, &QPushButton::clicked, this, &frmRipristina::Command2_Click);
     connect(m_ui->Command3, &QPushButton::clicked, this, &QDialog::accept);
