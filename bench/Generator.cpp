@@ -15,17 +15,32 @@
 
 namespace bench {
 
-QString BasedatiGrande(const QString &argomento)
+QString BasedatiGrande(const QString &argomento, int movimenti)
 {
-    const QString path = QFileInfo(argomento.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/../bench-data/basedati.mdb")
+    const QString nome = movimenti == 1000000 ? QStringLiteral("basedati.mdb")
+                                              : QStringLiteral("basedati-%1m.mdb").arg(movimenti / 1000000);
+    const QString path = QFileInfo(argomento.isEmpty() ? QCoreApplication::applicationDirPath() + QStringLiteral("/../bench-data/") + nome
                                                        : argomento)
                              .absoluteFilePath();
     if (!QFileInfo::exists(path)) {
         QDir().mkpath(QFileInfo(path).path());
-        QTextStream(stdout) << "writing " << path << " (1,000,000 movements, 10,000 customers)..." << Qt::endl;
-        GeneraBasedati(path, Volume{});
+        QTextStream(stdout) << "writing " << path << " (" << movimenti << " movements, 10,000 customers)..." << Qt::endl;
+        Volume v;
+        v.movimenti = movimenti;
+        GeneraBasedati(path, v);
     }
     return path;
+}
+
+QStringList BasiDati(const QString &argomento)
+{
+    if (!argomento.isEmpty())
+        return {BasedatiGrande(argomento)};
+    QStringList paths{BasedatiGrande(QString())};
+    const QString dieci = QCoreApplication::applicationDirPath() + QStringLiteral("/../bench-data/basedati-10m.mdb");
+    if (QFileInfo::exists(dieci) || qEnvironmentVariable("VELTANO_BENCH_10M") == QLatin1String("1"))
+        paths << BasedatiGrande(QString(), 10000000);
+    return paths;
 }
 
 void GeneraBasedati(const QString &path, const Volume &v)

@@ -14,6 +14,40 @@ QString argText(sqlite3_value *v)
     return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_value_text(v)), sqlite3_value_bytes(v));
 }
 
+// The match of a pattern and a text both already case-folded.
+bool matchFolded(const QString &p, const QString &t, QChar escape)
+{
+    qsizetype pi = 0, ti = 0;
+    qsizetype starP = -1, starT = 0; // position after the last '%' and the text position it matched up to
+    while (ti < t.size()) {
+        if (pi < p.size()) {
+            const QChar pc = p.at(pi);
+            if (!escape.isNull() && pc == escape && pi + 1 < p.size()) {
+                if (p.at(pi + 1) == t.at(ti)) {
+                    pi += 2;
+                    ++ti;
+                    continue;
+                }
+            } else if (pc == QLatin1Char('%')) {
+                starP = ++pi;
+                starT = ti;
+                continue;
+            } else if (pc == QLatin1Char('_') || pc == t.at(ti)) {
+                ++pi;
+                ++ti;
+                continue;
+            }
+        }
+        if (starP < 0)
+            return false;
+        pi = starP;
+        ti = ++starT;
+    }
+    while (pi < p.size() && p.at(pi) == QLatin1Char('%'))
+        ++pi;
+    return pi == p.size();
+}
+
 void likeFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
 {
     if (sqlite3_value_type(argv[0]) == SQLITE_NULL || sqlite3_value_type(argv[1]) == SQLITE_NULL)
@@ -25,8 +59,16 @@ void likeFunction(sqlite3_context *ctx, int argc, sqlite3_value **argv)
             return sqlite3_result_error(ctx, "ESCAPE expression must be a single character", -1);
         escape = e.at(0);
     }
-    // argv[0] is the pattern, argv[1] the text tested against it.
-    sqlite3_result_int(ctx, likeMatch(argText(argv[0]), argText(argv[1]), escape) ? 1 : 0);
+    // argv[0] is the pattern, argv[1] the text tested against it. The pattern is
+    // folded once per statement and kept with it, not again for every row.
+    const auto *folded = static_cast<const QString *>(sqlite3_get_auxdata(ctx, 0));
+    QString fresh;
+    if (!folded) {
+        fresh = argText(argv[0]).toCaseFolded();
+        sqlite3_set_auxdata(ctx, 0, new QString(fresh), [](void *p) { delete static_cast<QString *>(p); });
+        folded = &fresh;
+    }
+    sqlite3_result_int(ctx, matchFolded(*folded, argText(argv[1]).toCaseFolded(), escape) ? 1 : 0);
 }
 
 // The text without its accents ("À" gives "A"), so that accented letters sort with their letter.
@@ -83,37 +125,7 @@ int compareCaseBlind(void *, int lenA, const void *a, int lenB, const void *b)
 
 bool likeMatch(const QString &pattern, const QString &text, QChar escape)
 {
-    const QString p = pattern.toCaseFolded();
-    const QString t = text.toCaseFolded();
-    qsizetype pi = 0, ti = 0;
-    qsizetype starP = -1, starT = 0; // position after the last '%' and the text position it matched up to
-    while (ti < t.size()) {
-        if (pi < p.size()) {
-            const QChar pc = p.at(pi);
-            if (!escape.isNull() && pc == escape && pi + 1 < p.size()) {
-                if (p.at(pi + 1) == t.at(ti)) {
-                    pi += 2;
-                    ++ti;
-                    continue;
-                }
-            } else if (pc == QLatin1Char('%')) {
-                starP = ++pi;
-                starT = ti;
-                continue;
-            } else if (pc == QLatin1Char('_') || pc == t.at(ti)) {
-                ++pi;
-                ++ti;
-                continue;
-            }
-        }
-        if (starP < 0)
-            return false;
-        pi = starP;
-        ti = ++starT;
-    }
-    while (pi < p.size() && p.at(pi) == QLatin1Char('%'))
-        ++pi;
-    return pi == p.size();
+    return matchFolded(pattern.toCaseFolded(), text.toCaseFolded(), escape);
 }
 
 void registerUnicodeText(sqlite3 *db)
