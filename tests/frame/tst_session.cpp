@@ -95,15 +95,8 @@ private slots:
         QCOMPARE(frame::PasswordEsatta(typed), passwordWindow);
     }
 
-    void unknownUser()
-    {
-        ScriptedPrompter p;
-        QCOMPARE(frame::VerificaLogin(db(), p, QStringLiteral("nobody' or '1'='1"), QStringLiteral("quartzel")),
-                 EsitoVerifica::UtenteSconosciuto);
-        QCOMPARE(p.messages.first().text, frame::TestoLingua("M0101"));
-    }
-
-    void masterFlagAndTypedName()
+    // The name is found blind to case and remembered as typed; a master user is flagged; no name matches by injection.
+    void loginByName()
     {
         addUser(QStringLiteral("Capo"), QVariant(), QStringLiteral("S"));
         ScriptedPrompter p;
@@ -111,6 +104,9 @@ private slots:
         QVERIFY(pub().UtenteMaster);
         QCOMPARE(pub().UtenteCorrente, QStringLiteral("Capo"));
         QCOMPARE(frame::SettingsStore::get(QStringLiteral("Impostazioni"), QStringLiteral("UltimoUtente")), QStringLiteral("capo"));
+        QCOMPARE(frame::VerificaLogin(db(), p, QStringLiteral("nobody' or '1'='1"), QStringLiteral("quartzel")),
+                 EsitoVerifica::UtenteSconosciuto);
+        QCOMPARE(p.messages.first().text, frame::TestoLingua("M0101"));
     }
 
     void oldAdministratorSpellingAndEmptyTable()
