@@ -42,11 +42,12 @@ CasellaFiltro casella(const QString &campo, TipoCasella tipo, const QString &val
     return k;
 }
 
-// The view's rows as the report engine sees them, by the view's own column names.
-struct Righe final : reports::Ambito {
+// The view's rows as the report engine sees them, by the view's own column names;
+// the row being evaluated is the one selezionate() points at.
+struct Righe final : reports::Ambito, reports::Riga {
     QStringList colonne;
     QVector<QVector<reports::Valore>> righe;
-    QStringList cognomi;
+    const QVector<reports::Valore> *corrente = nullptr;
 
     explicit Righe(store::Database &db)
     {
@@ -58,7 +59,6 @@ struct Righe final : reports::Ambito {
             for (int i = 0; i < colonne.size(); ++i)
                 r << reports::Valore::daVariant(rs.value(i));
             righe << r;
-            cognomi << rs.value(QStringLiteral("Cognome")).toString();
         }
     }
     int campo(const QString &tabella, const QString &nome) const override
@@ -71,21 +71,19 @@ struct Righe final : reports::Ambito {
         return -1;
     }
     int formula(const QString &) const override { return -1; }
+    const reports::Valore &campo(int i) const override { return corrente->at(i); }
+    reports::Valore formula(int) const override { return {}; }
 
-    struct Una final : reports::Riga {
-        const QVector<reports::Valore> *v = nullptr;
-        const reports::Valore &campo(int i) const override { return v->at(i); }
-        reports::Valore formula(int) const override { return {}; }
-    };
-    QStringList selezionate(const QString &testo) const
+    // The surnames of the rows the formula selects.
+    QStringList selezionate(const QString &testo)
     {
         const reports::Formula f = reports::Formula::compila(testo, *this); // throws on a bad text
+        const int cognome = campo(Vista, QStringLiteral("Cognome"));
         QStringList r;
-        Una riga;
-        for (int i = 0; i < righe.size(); ++i) {
-            riga.v = &righe.at(i);
-            if (f.seleziona(riga))
-                r << cognomi.at(i);
+        for (const QVector<reports::Valore> &riga : std::as_const(righe)) {
+            corrente = &riga;
+            if (f.seleziona(*this))
+                r << riga.at(cognome).testo();
         }
         return r;
     }
@@ -200,7 +198,7 @@ private slots:
         QVERIFY(p.messages.isEmpty());
         QCOMPARE(m_stato.value(0), frame::TestoLingua("M0012"));
         // Both texts run: the query in the database, the formula compiled over the view's columns.
-        const Righe righe(frame::basedati());
+        Righe righe(frame::basedati());
         QVERIFY(elenco(f.where).size() <= righe.righe.size());
         QVERIFY(righe.selezionate(f.formula).size() <= righe.righe.size());
     }

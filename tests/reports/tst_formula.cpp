@@ -156,18 +156,14 @@ private slots:
         r("cash: zero income", cassa, {Anno, "2025", Entrata, 0.0}, true);
         const QString scade = "{Q_Clienti_Utenti.Cliente}=true and {Q_Clienti_Utenti.DataScadenzaAssic}<CurrentDate";
         const QString tel = "'0000' in UpperCase({Q_Clienti_Utenti.Tel Cel}) or '0000' in UpperCase({Q_Clienti_Utenti.Tel Casa})";
+        // The print filters' own texts (starts with, equals, from, dates, numbers) run over real rows in the filter test.
         for (const char *t : {"{Q_Clienti_Utenti.Cliente}=true", "{Q_Clienti_Utenti.Cliente}=true and {Q_Clienti_Utenti.DataUltimoPagamento}<CurrentDate",
-                              "UpperCase({Q_Clienti_Utenti.Cognome}) = 'ROSSI'", "UpperCase({Q_Clienti_Utenti.Cognome}) >= 'M'",
-                              " UpperCase(Left({Q_Clienti_Utenti.Cognome},3))='ROS'", "'CITTÀ' in UpperCase({Q_Clienti_Utenti.Località})",
-                              "{Q_Clienti_Utenti.Data Registrazione}>= date(2025,06,15) and {Q_Clienti_Utenti.Data Registrazione}<= date(2025,06,15)",
-                              "{Q_Clienti_Utenti.Canone} >= 50 and {Q_Clienti_Utenti.Canone} <= 100",
+                              "'CITTÀ' in UpperCase({Q_Clienti_Utenti.Località})",
                               "'555' in UpperCase({Q_Clienti_Utenti.Tel Cel}) or '555' in UpperCase({Q_Clienti_Utenti.Tel Casa})",
                               "{Q_Clienti_Utenti.Cliente}=true and UpperCase({Q_Clienti_Utenti.Cognome}) = 'ROSSI' and '555' in "
                               "UpperCase({Q_Clienti_Utenti.Tel Cel}) or '555' in UpperCase({Q_Clienti_Utenti.Tel Casa})"})
             r(t, QString::fromUtf8(t), {}, true);
-        for (const char *t : {"{Q_Clienti_Utenti.Cliente}=false", " UpperCase(Left({Q_Clienti_Utenti.Cognome},3))='OSS'",
-                              "{Q_Clienti_Utenti.Data Registrazione}>= date(2025,06,16)"})
-            r(t, QString::fromUtf8(t), {}, false);
+        r("not a customer", "{Q_Clienti_Utenti.Cliente}=false", {}, false);
         r("no expiry", scade, {}, false); r("expired", scade, {Scadenza, QDate(2026, 2, 28)}, true);
         r("expires today", scade, {Scadenza, QDate(2026, 3, 1)}, false);
         r("no mobile", tel, {}, false); r("mobile", tel, {TelCel, "333 555 0000"}, true);
