@@ -456,9 +456,11 @@ void verifyWorkingDatabase(const QString &path, const Progress &progress, const 
                               damaged(name, QStringLiteral("the database inside is not a working database")));
         db.scalar(QStringLiteral("select count(*) from Impostazioni"));
         // The stream's checksum vouches only for the bytes as they were copied: pages that
-        // were already damaged in the file copied are found by reading every page and index.
+        // were already damaged in the file copied are found by reading every page of every
+        // table and index. The quick check does that in well under a second for 190 MB; the
+        // full one, which also matches each index against its table, took 11 s.
         sqlite3_progress_handler(db.handle(), 100000, statementProgress, const_cast<Progress *>(&progress));
-        const QString check = db.scalar(QStringLiteral("PRAGMA integrity_check(1)")).toString();
+        const QString check = db.scalar(QStringLiteral("PRAGMA quick_check(1)")).toString();
         sqlite3_progress_handler(db.handle(), 0, nullptr, nullptr);
         if (check != QLatin1String("ok")) {
             qWarning().noquote() << "integrity check of" << name << ":" << check;
