@@ -14,6 +14,9 @@ QString get(const QString &section, const QString &key, const QString &defaultVa
 void save(const QString &section, const QString &key, const QString &value);
 // The file that holds the store, for the README and for tests.
 QString fileName();
+// A message for the user when the file is too large to be read (the store then
+// answers defaults and writes nothing); empty when all is well.
+QString problem();
 
 } // namespace SettingsStore
 } // namespace frame

@@ -631,6 +631,36 @@ private slots:
         frame::MostraErrore(prompter, QString());
         QCOMPARE(prompter.messages.size(), 2);
     }
+
+    // A settings file far larger than the program ever writes is neither read nor written,
+    // and the message names it; one within the limit is read and kept as usual.
+    void settingsFileSizeLimit_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::newRow("within it") << (1 << 19);
+        QTest::newRow("beyond it") << (1 << 20) + 1;
+    }
+
+    void settingsFileSizeLimit()
+    {
+        QFETCH(int, size);
+        const bool read = size <= (1 << 20);
+        const QString path = frame::SettingsStore::fileName();
+        QByteArray text = "[impostazioni]\nlingua=1\n[riempimento]\n";
+        for (int i = 0; text.size() < size; ++i)
+            text += "chiave" + QByteArray::number(i) + "=valore\n";
+        text.truncate(size);
+        QFile f(path);
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()) && f.open(QIODevice::WriteOnly) && f.write(text) == size);
+        f.close();
+        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Lingua")), read ? QStringLiteral("1") : QString());
+        frame::SettingsStore::save(kSection, QStringLiteral("lingua"), QStringLiteral("2"));
+        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("lingua")), read ? QStringLiteral("2") : QString());
+        QCOMPARE(frame::SettingsStore::problem().contains(path), !read);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll() == text, !read);
+        QFile::remove(path);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestFrame)

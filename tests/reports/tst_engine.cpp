@@ -413,6 +413,43 @@ private slots:
         QTRY_VERIFY(!r.previewWindow());
         QVERIFY(p.messages.isEmpty());
     }
+
+    // Templates that would hang the program or fill thousands of pages are refused, naming the file.
+    void hostileTemplatesAreRefused_data()
+    {
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<QByteArray>("detail");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<QString>("told");
+        const QByteArray field = "><field value=\"{Cassa.Descrizione}\"/>";
+        QTest::newRow("file too large") << QByteArray() << field + "<!--" + QByteArray(1 << 20, ' ') + "-->" << 0 << "too large";
+        QTest::newRow("no room between the margins") << QByteArray("top=\"150\" bottom=\"145\"") << field << 0 << "no room";
+        QTest::newRow("detail taller than a page") << QByteArray() << "height=\"300\"" + field << 0 << "leaves only 277";
+        QTest::newRow("too many items") << QByteArray() << ">" + QByteArray("<text>a</text>").repeated(501) << 0 << "500 items";
+        QTest::newRow("too many pages") << QByteArray() << "newPageBefore=\"true\"" + field << 10001 << "10000 pages";
+    }
+
+    void hostileTemplatesAreRefused()
+    {
+        QFETCH(QByteArray, page);
+        QFETCH(QByteArray, detail);
+        QFETCH(int, rows);
+        QFETCH(QString, told);
+        TestDatabase base;
+        store::Transaction t(db());
+        for (int i = 0; i < rows; ++i)
+            cash(QDate(2026, 1, 1), QStringLiteral("riga"), 1, 0);
+        t.commit();
+        ScriptedPrompter p;
+        CrystalReport r(p);
+        const QString file = writeTemplate("<report><data source=\"Cassa\"/><page " + page + "/><section type=\"detail\" " + detail +
+                                           "</section></report>");
+        prepare(r, file);
+        QVERIFY(!r.setAction(1));
+        QCOMPARE(p.messages.size(), 1);
+        QVERIFY2(p.messages.at(0).text.contains(QFileInfo(file).fileName()) && p.messages.at(0).text.contains(told),
+                 qPrintable(p.messages.at(0).text));
+    }
 };
 
 QTEST_MAIN(TestEngine)

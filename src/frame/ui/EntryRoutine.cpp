@@ -13,6 +13,7 @@
 #include <Language.h>
 #include <PublicState.h>
 #include <Routines.h>
+#include <SettingsStore.h>
 #include <Startup.h>
 
 #include <QApplication>
@@ -95,6 +96,9 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
         prompter.message(engine, Prompter::Icon::Critical);
         return 1;
     }
+    // A settings file too large to read is left aside; the user learns why his settings are gone.
+    if (const QString settings = SettingsStore::problem(); !settings.isEmpty())
+        prompter.message(settings, Prompter::Icon::Exclamation);
 
     const QString cartella = QApplication::applicationDirPath();
     QDir::setCurrent(cartella);

@@ -12,6 +12,13 @@
 
 namespace reports::engine {
 
+namespace {
+
+// Far beyond any list worth printing; a run that reaches it stops with a message instead of writing on.
+constexpr int MaxPages = 10000;
+
+} // namespace
+
 QPageLayout ReportRun::pageLayout() const
 {
     const QPageSize size(QSizeF(m_t.pageWidth, m_t.pageHeight), QPageSize::Millimeter, QString(), QPageSize::FuzzyMatch);
@@ -179,7 +186,11 @@ void ReportRun::startPage(const Row &row, bool first)
 {
     if (!first && m_painter)
         m_device->newPage();
-    ++m_page;
+    if (++m_page > MaxPages)
+        throw RunError(QStringLiteral("The report %1 would run to more than %2 pages. Choose a shorter period or fewer "
+                                      "rows, or check the sizes of the template's page and sections.")
+                           .arg(m_t.fileName)
+                           .arg(MaxPages));
     double footer = 0;
     for (int s : m_pageFooters)
         footer += m_sections.at(s).section->height;

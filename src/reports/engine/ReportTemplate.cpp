@@ -9,6 +9,8 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+
 namespace reports::tpl {
 
 const QStringList &knownSources()
@@ -60,6 +62,7 @@ public:
         if (m_t.source.isEmpty())
             failAt(1, QStringLiteral("no <data source=\"...\"> names the rows of the report"));
         checkNames();
+        checkRoom();
         return m_t;
     }
 
@@ -137,7 +140,7 @@ private:
         m_t.marginBottom = number(QStringLiteral("bottom"), all);
         if (m_t.pageWidth < 20 || m_t.pageHeight < 20)
             fail(QStringLiteral("the page must be at least 20 mm each way"));
-        if (m_t.contentWidth() <= 5)
+        if (m_t.contentWidth() <= 5 || bodyHeight() <= 5)
             fail(QStringLiteral("the margins leave no room on the page"));
         skip();
     }
@@ -339,8 +342,12 @@ private:
         s.newPageBefore = flag(QStringLiteral("newPageBefore"), false);
         s.keepWithNext = flag(QStringLiteral("keepWithNext"), kind == SectionKind::GroupHeader);
         s.fill = color(QStringLiteral("fill"), QColor());
-        while (m_xml.readNextStartElement())
+        while (m_xml.readNextStartElement()) {
+            // Each item is drawn for every row of its section: a template of this program has some dozens.
+            if (++m_items > MaxItems)
+                fail(QStringLiteral("the template has more than %1 items").arg(MaxItems));
             s.items << readItem(s);
+        }
         return s;
     }
 
@@ -473,6 +480,27 @@ private:
             it.series << Series{};
     }
 
+    double bodyHeight() const
+    {
+        return (m_t.landscape ? m_t.pageWidth : m_t.pageHeight) - m_t.marginTop - m_t.marginBottom;
+    }
+
+    // Every band must fit on a page beside the page's own header and footer: one that
+    // doesn't would take a page of its own for each row, thousands of pages for a long list.
+    void checkRoom()
+    {
+        double room = bodyHeight();
+        for (const Section &s : m_t.sections)
+            if (s.kind == SectionKind::PageHeader || s.kind == SectionKind::PageFooter)
+                room -= s.height;
+        for (const Section &s : m_t.sections)
+            if (s.kind != SectionKind::PageHeader && s.kind != SectionKind::PageFooter && s.height > room)
+                failAt(s.line, QStringLiteral("the section is %1 mm high, but a page leaves only %2 mm between its margins, "
+                                              "header and footer")
+                                   .arg(s.height)
+                                   .arg(std::max(room, 0.0)));
+    }
+
     void checkNames()
     {
         QSet<QString> names;
@@ -502,9 +530,12 @@ private:
                     failAt(it.line, QStringLiteral("the field shows the key of group \"%1\", which the template doesn't have").arg(it.group));
     }
 
+    static constexpr int MaxItems = 500;
+
     QXmlStreamReader m_xml;
     QString m_name;
     Template m_t;
+    int m_items = 0;
 };
 
 } // namespace
@@ -524,8 +555,13 @@ Template loadTemplate(const QString &path)
         throw TemplateError(QStringLiteral("The report template %1 is missing (looked for %2).").arg(name, QFileInfo(path).absoluteFilePath()));
     if (!f.open(QIODevice::ReadOnly))
         throw TemplateError(QStringLiteral("The report template %1 can't be read: %2.").arg(name, f.errorString()));
-    if (f.size() > 8 * 1024 * 1024)
-        throw TemplateError(QStringLiteral("The report template %1 is too large to be a template.").arg(name));
+    // The templates of the program are a few kilobytes; a file far beyond that is no template of it.
+    constexpr qint64 MaxBytes = qint64(1) << 20;
+    if (f.size() > MaxBytes)
+        throw TemplateError(QStringLiteral("The report template %1 is %2 KB, too large to be a template (at most %3 KB).")
+                                .arg(name)
+                                .arg(f.size() >> 10)
+                                .arg(MaxBytes >> 10));
     return parseTemplate(f.readAll(), name);
 }
 

@@ -41,7 +41,8 @@ private:
 // A file written under a temporary name in the folder of its final path. It
 // takes its final name only through commit(), replacing any file of that name
 // in one step; dropped before that, it is removed, so a failure never leaves a
-// partial file where a complete one is expected.
+// partial file where a complete one is expected. Until then it is locked, which
+// tells it from the leftover of a killed run that a later run removes.
 class PendingFile {
 public:
     // Creates the temporary file; throws BackupError(Access) when the folder refuses it.
@@ -51,7 +52,7 @@ public:
     PendingFile &operator=(const PendingFile &) = delete;
 
     void write(const char *data, size_t size);
-    // Flushes the data to the disk and closes the file; the temporary file stays readable.
+    // Flushes the data to the disk and ends the writing; the temporary file stays readable.
     void finish();
     // finish(), then gives the file its final name.
     void commit();
@@ -64,6 +65,7 @@ private:
     int m_fd = -1;
     qint64 m_written = 0;
     qint64 m_flushed = 0; // bytes handed to the disk so far, so that the final flush is short
+    bool m_finished = false;
     bool m_committed = false;
 };
 

@@ -9,6 +9,7 @@
 #include <SettingsStore.h>
 #include <Sqlite.h>
 
+#include <QDebug>
 #include <QFileInfo>
 
 #include <optional>
@@ -144,43 +145,39 @@ bool AppendNewField(store::Database &db, const QString &tabella, const QString &
 bool AggiornaTabella(store::Database &db, const TabellaVoluta &tabella, frame::Prompter &prompter,
                      const StatoFn &stato)
 {
-    QString campoInErrore;
-    QString erroreMotore;
+    QString campo; // the field being worked on, named by the message when the table fails
     try {
         // The whole table in one transaction: a failure leaves it as it was.
         store::Transaction t(db);
+        bool riuscito = true;
         const int n = int(qMin<qsizetype>(tabella.campi.size(), MaxCampiTabella));
-        for (int i = 0; i < n; ++i) {
+        for (int i = 0; i < n && riuscito; ++i) {
             const CampoVoluto &c = tabella.campi.at(i);
             if (c.nome.isEmpty())
                 break;
+            campo = c.nome;
             if (stato)
                 stato(frame::TestoLingua("M0037") + QStringLiteral(" Aggiornamento della tabella ") + tabella.nome);
             if (EsisteCampo(db, tabella.nome, c.nome))
                 continue;
-            campoInErrore = c.nome;
-            if (!AppendNewField(db, tabella.nome, c.nome, c.tipo, c.richiesto, c.dimensione, c.lunghezzaZero, prompter))
-                break;
-            db.executeScript(QStringLiteral("UPDATE %1 SET %2 = %3; ")
-                                 .arg(nomeSQL(tabella.nome), nomeSQL(c.nome),
-                                      c.valoreIniziale.isEmpty() ? QStringLiteral("NULL") : c.valoreIniziale));
-            campoInErrore.clear();
+            riuscito = AppendNewField(db, tabella.nome, c.nome, c.tipo, c.richiesto, c.dimensione, c.lunghezzaZero, prompter);
+            if (riuscito)
+                db.executeScript(QStringLiteral("UPDATE %1 SET %2 = %3; ")
+                                     .arg(nomeSQL(tabella.nome), nomeSQL(c.nome),
+                                          c.valoreIniziale.isEmpty() ? QStringLiteral("NULL") : c.valoreIniziale));
         }
-        if (campoInErrore.isEmpty()) {
+        if (riuscito) {
             t.commit();
             return true;
         }
     } catch (const store::DbError &e) {
-        erroreMotore = e.message();
+        // The engine's own words are for whoever reads the program's error output, not for the box.
+        qWarning().noquote() << QStringLiteral("AddFieldsBasedati [%1].[%2]:").arg(tabella.nome, campo) << e.message();
     }
     // Told only once the transaction is rolled back, so that the box holds no lock.
-    QString testo = frame::TestoLingua("M0045") + QLatin1Char('\n') + QLatin1Char('[') + tabella.nome + QLatin1Char(']');
-    if (!campoInErrore.isEmpty())
-        testo += QStringLiteral(".[") + campoInErrore + QLatin1Char(']');
-    if (!erroreMotore.isEmpty())
-        testo += QStringLiteral("\n\n") + erroreMotore;
-    prompter.message(testo, frame::Prompter::Icon::Exclamation,
-                     frame::TestoLingua("M0035") + QStringLiteral(" AddFieldsBasedati"));
+    // M0045: "Unable to add the field:".
+    prompter.message(frame::TestoLingua("M0045") + QStringLiteral("\n[%1].[%2]").arg(tabella.nome, campo),
+                     frame::Prompter::Icon::Exclamation, frame::TestoLingua("M0035") + QStringLiteral(" AddFieldsBasedati"));
     return false;
 }
 

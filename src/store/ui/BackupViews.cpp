@@ -113,9 +113,19 @@ std::optional<safety::CatalogueEntry> CatalogueGrid::current() const
     return m_model->entry(index.row());
 }
 
-WorkProgress::WorkProgress(QWidget *parent, const QString &label)
-    : m_dialog(std::make_unique<QProgressDialog>(label, QString(), 0, ProgressSteps, parent))
+WorkProgress::WorkProgress(QWidget *parent, const QString &label, frame::Prompter &prompter)
+    : m_parent(parent), m_label(label), m_prompter(prompter)
 {
+}
+
+WorkProgress::~WorkProgress()
+{
+    close();
+}
+
+void WorkProgress::start()
+{
+    m_dialog = std::make_unique<QProgressDialog>(m_label, QString(), 0, ProgressSteps, m_parent);
     m_dialog->setCancelButtonText(QProgressDialog::tr("Cancel"));
     m_dialog->setWindowModality(Qt::WindowModal);
     m_dialog->setMinimumDuration(ShowAfterMs);
@@ -126,15 +136,38 @@ WorkProgress::WorkProgress(QWidget *parent, const QString &label)
     QApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
-WorkProgress::~WorkProgress()
+void WorkProgress::close()
 {
+    if (!m_dialog)
+        return;
     QApplication::restoreOverrideCursor();
-    m_dialog->close();
+    m_dialog.reset();
+}
+
+void WorkProgress::message(const QString &text, Icon icon, const QString &title)
+{
+    close();
+    m_prompter.message(text, icon, title);
+}
+
+frame::Prompter::Answer WorkProgress::question(const QString &text, Buttons buttons, Answer defaultAnswer,
+                                               const QString &title, Icon icon)
+{
+    close();
+    return m_prompter.question(text, buttons, defaultAnswer, title, icon);
+}
+
+std::optional<QString> WorkProgress::input(const QString &prompt, const QString &title, const QString &initial)
+{
+    close();
+    return m_prompter.input(prompt, title, initial);
 }
 
 safety::Progress WorkProgress::callback()
 {
     return [this](qint64 done, qint64 total) {
+        if (!m_dialog)
+            start();
         if (total > 0) {
             if (m_dialog->maximum() == 0)
                 m_dialog->setRange(0, ProgressSteps);

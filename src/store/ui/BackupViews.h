@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 #include <Backup.h>
+#include <Prompter.h>
 
 #include <QAbstractTableModel>
 #include <QElapsedTimer>
@@ -10,10 +11,6 @@
 
 class QProgressDialog;
 class QTableView;
-
-namespace frame {
-class Prompter;
-}
 
 // The catalogue of backups as the backup and restore windows list it: newest
 // first, columns data, utilizzatore, note, Percorso, NomeFile. The catalogue is
@@ -52,18 +49,31 @@ private:
     BackupCatalogueModel *m_model;
 };
 
-// A progress box for long file work, modal to its window and shown only when
-// the work lasts. Its callback keeps the window painted and stops the work
-// when the user presses the box's button.
-class WorkProgress final {
+// A progress box for long file work, modal to its window. It stands only while
+// the work reports progress, and only once the work has lasted a while: the
+// box is made at the first report and closed before any question or message
+// goes through it to `prompter`. Its callback keeps the window painted and stops
+// the work when the user presses the box's button.
+class WorkProgress final : public frame::Prompter {
 public:
-    WorkProgress(QWidget *parent, const QString &label);
-    ~WorkProgress();
+    WorkProgress(QWidget *parent, const QString &label, frame::Prompter &prompter);
+    ~WorkProgress() override;
     WorkProgress(const WorkProgress &) = delete;
     WorkProgress &operator=(const WorkProgress &) = delete;
     safety::Progress callback();
 
+    void message(const QString &text, Icon icon, const QString &title = QString()) override;
+    Answer question(const QString &text, Buttons buttons, Answer defaultAnswer, const QString &title = QString(),
+                    Icon icon = Icon::Question) override;
+    std::optional<QString> input(const QString &prompt, const QString &title, const QString &initial) override;
+
 private:
+    void start();
+    void close();
+
+    QWidget *m_parent;
+    QString m_label;
+    frame::Prompter &m_prompter;
     std::unique_ptr<QProgressDialog> m_dialog;
     QElapsedTimer m_started;
     QElapsedTimer m_tick;

@@ -73,8 +73,8 @@ void frmCopia::Command2_Click()
         m_grid->reload();
     };
     {
-        WorkProgress progress(this, frame::TestoLingua("M0272"));
-        safety::makeBackup(request, *m_prompter, progress.callback(), refresh);
+        WorkProgress progress(this, frame::TestoLingua("M0272"), *m_prompter);
+        safety::makeBackup(request, progress, progress.callback(), refresh);
     }
     if (!listed) {
         // A failed copy may still have changed nothing; the list is read again all the same.

@@ -42,6 +42,6 @@ void frmRipristina::Command2_Click()
     const std::optional<safety::CatalogueEntry> entry = m_grid->current();
     if (!entry)
         return;
-    WorkProgress progress(this, frame::TestoLingua("M0273"));
-    safety::restoreBackup(*entry, *m_prompter, progress.callback());
+    WorkProgress progress(this, frame::TestoLingua("M0273"), *m_prompter);
+    safety::restoreBackup(*entry, progress, progress.callback());
 }
