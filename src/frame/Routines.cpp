@@ -198,13 +198,21 @@ QString EscapeLike(const QString &valore)
     return r;
 }
 
+QString FormatoDataQt(bool annoIntero)
+{
+    // FormatoData writes the month as "mm", which is the minute for Qt.
+    QString formato = pub().FormatoData;
+    formato.replace(QLatin1String("mm"), QLatin1String("MM"));
+    if (annoIntero)
+        formato.replace(QRegularExpression(QStringLiteral("y+")), QStringLiteral("yyyy"));
+    return formato;
+}
+
 QString TestoData(const QDateTime &momento, bool conOra)
 {
     if (!momento.isValid())
         return QString();
-    // FormatoData writes the month as "mm", which is the minute for Qt.
-    QString formato = pub().FormatoData;
-    formato.replace(QLatin1String("mm"), QLatin1String("MM"));
+    QString formato = FormatoDataQt(false);
     if (conOra)
         formato += QStringLiteral(" HH:mm:ss");
     return momento.toString(formato);

@@ -45,6 +45,8 @@ std::optional<QDate> LeggeData(const QString &testo);
 QString EscapeLike(const QString &valore);
 // A date as the program shows dates (FormatoData), with the time when `conOra`; "" for no date.
 QString TestoData(const QDateTime &momento, bool conOra = false);
+// FormatoData as a Qt date format; with a four-digit year when `annoIntero`.
+QString FormatoDataQt(bool annoIntero);
 // The folder of `Pathdata`: the path less the 13 characters of "/basedati.mdb".
 QString CartellaDati(const QString &pathdata);
 

@@ -56,10 +56,7 @@ QString TestoCasellaData(const std::optional<QDate> &data)
 {
     if (!data || !data->isValid())
         return QString();
-    QString formato = pub().FormatoData;
-    formato.replace(QLatin1String("mm"), QLatin1String("MM")); // "mm" is the minute for Qt
-    formato.replace(QRegularExpression(QStringLiteral("y+")), QStringLiteral("yyyy"));
-    return data->toString(formato);
+    return data->toString(FormatoDataQt(true));
 }
 
 Lettura<QTime> LeggeTestoOra(const QString &testo)

@@ -49,11 +49,6 @@ EsitoCorrezione allaGriglia()
     return esito;
 }
 
-bool haRigaCorrente(store::Recordset &rs)
-{
-    return !rs.isEmpty() && !rs.bof() && !rs.eof();
-}
-
 // A refusal told by the row's stored state, which the window's copy did not show:
 // the window reads the row again.
 EsitoCorrezione rifiutaERilegge(Prompter &prompter, const char *chiave)
@@ -81,7 +76,7 @@ EsitoCorrezione correggi(store::Recordset &rs, const QString &statoMovimento, Pa
 {
     if (!frame::EAmministratore() && !pub().OpModificare)
         return rifiuta(prompter, "M0049");
-    if (!haRigaCorrente(rs))
+    if (!RigaCorrente(rs))
         return rifiuta(prompter, "M0050");
     // The row as stored decides; the replay checks it again in its own transaction.
     const std::optional<StatoMovimento> stato = LeggeStato(rs.key());
@@ -132,7 +127,7 @@ EsitoCorrezione annulla(store::Recordset &rs, const QString &autorizzazione, Pro
 {
     if (!frame::EAmministratore() && !pub().OpAnnullare)
         return rifiuta(prompter, "M0054");
-    if (!haRigaCorrente(rs))
+    if (!RigaCorrente(rs))
         return rifiuta(prompter, "M0055");
     const QVariant id = rs.key();
     const std::optional<StatoMovimento> stato = LeggeStato(id);

@@ -74,10 +74,14 @@ std::optional<StatoMovimento> LeggeStato(const QVariant &id)
     return s;
 }
 
+bool RigaCorrente(store::Recordset &rs)
+{
+    return !rs.isEmpty() && !rs.bof() && !rs.eof();
+}
+
 bool PannelloDellaRiga(store::Recordset &rs, const PannelloMovimento &pannello)
 {
-    return pannello.id.isValid() && !rs.isEmpty() && !rs.bof() && !rs.eof()
-        && rs.key().toLongLong() == pannello.id.toLongLong();
+    return pannello.id.isValid() && RigaCorrente(rs) && rs.key().toLongLong() == pannello.id.toLongLong();
 }
 
 namespace {

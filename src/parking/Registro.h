@@ -58,6 +58,9 @@ struct StatoMovimento {
 // The state of the movement `id`, read from its row; nullopt when the row is gone.
 std::optional<StatoMovimento> LeggeStato(const QVariant &id);
 
+// Whether `rs` stands on a row.
+bool RigaCorrente(store::Recordset &rs);
+
 // Whether the panel's boxes were filled from the row current in `rs`: only
 // then may a write to that row take what they hold.
 bool PannelloDellaRiga(store::Recordset &rs, const PannelloMovimento &pannello);

@@ -156,13 +156,18 @@ void Recordset::resume()
         readKeysOnly();
         return;
     }
-    auto st = std::make_unique<Statement>(m_db.prepare(m_sql));
+    m_stmt = statementPastRead(m_sql);
+    m_detached = false;
+}
+
+std::unique_ptr<Statement> Recordset::statementPastRead(const QString &sql)
+{
+    auto st = std::make_unique<Statement>(m_db.prepare(sql));
     st->bindAll(m_params);
     for (qint64 i = 0; i < m_stepped; ++i)
         if (!st->step())
             break;
-    m_stmt = std::move(st);
-    m_detached = false;
+    return st;
 }
 
 void Recordset::openStatement()
@@ -243,13 +248,7 @@ void Recordset::readKeysOnly()
     // A statement that selects the key alone can walk an index instead of the
     // table: several times faster over a long way. It takes over from the rows
     // read so far; whole rows are read afterwards a block at a time, by key.
-    auto st = std::make_unique<Statement>(
-        m_db.prepare(QStringLiteral("select %1 from (%2)").arg(quoteName(m_fields[m_keyColumn].name), m_sql)));
-    st->bindAll(m_params);
-    for (qint64 i = 0; i < m_stepped; ++i)
-        if (!st->step())
-            break;
-    m_keyStmt = std::move(st);
+    m_keyStmt = statementPastRead(QStringLiteral("select %1 from (%2)").arg(quoteName(m_fields[m_keyColumn].name), m_sql));
     m_stmt.reset();
     m_detached = false;
 }

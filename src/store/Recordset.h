@@ -95,6 +95,8 @@ private:
     void openStatement();
     void detach();
     void resume();
+    // `sql` prepared with the set's parameters and stepped past the rows already read.
+    std::unique_ptr<Statement> statementPastRead(const QString &sql);
     bool fetchUpTo(qint64 pos); // reads forward until `pos` is read; false if the set ends first
     void fetchAll();
     void readKeysOnly(); // goes on reading with a statement of the keys alone
