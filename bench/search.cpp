@@ -109,7 +109,7 @@ void misura(const QString &path, QTextStream &out)
                 throw store::DbError(0, QStringLiteral("search failed: ") + prompter.shown.join(QLatin1Char('|')));
             std::unique_ptr<store::Recordset> rs;
             const double tApri = bench::timed([&] {
-                rs = std::make_unique<store::Recordset>(db, e.elenco.sql, e.elenco.parametri);
+                rs = std::make_unique<store::Recordset>(db, e.elenco.sql, e.elenco.parametri, e.elenco.contatore);
                 rs->MoveFirst();
                 if (!rs->isEmpty())
                     rs->value(QStringLiteral("Targa"));

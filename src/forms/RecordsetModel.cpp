@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 namespace forms {
 
@@ -49,8 +50,12 @@ RecordsetModel::~RecordsetModel() = default;
 
 void RecordsetModel::apri(const QString &sql, const QVariantList &params)
 {
-    // Opened first: a query that fails leaves the list as it was.
-    auto rs = std::make_unique<store::Recordset>(m_db, sql, params);
+    // Opened first: a query that fails leaves the list as it was. A sort by the
+    // user keeps the count of the rows, not their places.
+    store::RowCounter contatore = m_contatore;
+    if (sql != m_sqlBase)
+        contatore.before = nullptr;
+    auto rs = std::make_unique<store::Recordset>(m_db, sql, params, contatore);
     beginResetModel();
     m_rs = std::move(rs);
     m_sql = sql;
@@ -67,10 +72,18 @@ void RecordsetModel::primaPagina()
     m_completo = m_rs->fullyRead() && m_righe == m_rs->rowsRead();
 }
 
-void RecordsetModel::riapri(const QString &sql, const QVariantList &params)
+void RecordsetModel::riapri(const QString &sql, const QVariantList &params, store::RowCounter contatore)
 {
-    apri(sql, params);
-    m_sqlBase = sql;
+    // The base and its counter change with the list: a query that fails leaves both as they were.
+    const QString base = std::exchange(m_sqlBase, sql);
+    std::swap(m_contatore, contatore);
+    try {
+        apri(sql, params);
+    } catch (...) {
+        m_sqlBase = base;
+        m_contatore = std::move(contatore);
+        throw;
+    }
     m_ordine.clear();
 }
 

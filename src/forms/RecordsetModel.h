@@ -36,7 +36,8 @@ public:
     ~RecordsetModel() override;
 
     // Opens the list on another query; captions, hidden fields, formats and colours stay.
-    void riapri(const QString &sql, const QVariantList &params = {});
+    // The counter, when given, counts the query's rows and places them in its order.
+    void riapri(const QString &sql, const QVariantList &params = {}, store::RowCounter contatore = {});
     // Reads the same query again.
     void aggiorna();
     // Reads the same query again on the same record (after work on the whole
@@ -105,6 +106,7 @@ private:
     QString m_sql;
     QVariantList m_params;
     QString m_ordine;
+    store::RowCounter m_contatore; // of the query as given
     std::unique_ptr<store::Recordset> m_rs;
     int m_righe = 0;          // rows the view knows of
     bool m_completo = false;  // the view knows every row

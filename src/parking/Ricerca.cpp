@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Ricerca.h"
 
+#include "ContaRegistro.h"
 #include "Correzione.h"
 
 #include <Database.h>
@@ -176,6 +177,9 @@ SorgenteElenco ElencoMovimenti(OpzioneElenco opzione, const QDate &giorno)
         s.sql += QStringLiteral("where ") + c.testo;
     s.sql += QStringLiteral(" order by Anno, id");
     s.parametri = c.parametri;
+    // A day holds a few hundred rows: counting them costs less than keeping counts by day.
+    if (!giorno.isValid())
+        s.contatore = ContatoreRegistro(frame::basedati(), opzione);
     return s;
 }
 

@@ -5,13 +5,12 @@
 #include <QVariant>
 #include <QVariantList>
 
+#include <Recordset.h>
+
 #include <optional>
 
 namespace frame {
 class Prompter;
-}
-namespace store {
-class Recordset;
 }
 
 namespace parking {
@@ -35,10 +34,12 @@ struct PannelloRicerca {
     bool RicercaSilenziosa = false;
 };
 
-// A source for the list and the detail panel: SQL with its bound values.
+// A source for the list and the detail panel: SQL with its bound values, and
+// over the whole register the counts that place a row without reading the list.
 struct SorgenteElenco {
     QString sql;
     QVariantList parametri;
+    store::RowCounter contatore;
 };
 
 // Where the window puts the focus after a search (if that control is visible).

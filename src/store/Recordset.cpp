@@ -4,7 +4,10 @@
 #include "DbError.h"
 #include "Sqlite.h"
 
+#include <QRegularExpression>
 #include <QStringList>
+
+#include <algorithm>
 
 #include <utility>
 
@@ -87,6 +90,14 @@ QString withoutOrder(const QString &sql)
     return keep ? sql : sql.left(at);
 }
 
+// A name without its brackets or quotes.
+QString bareName(const QString &name)
+{
+    if (name.size() > 1 && (name.front() == QLatin1Char('[') || name.front() == QLatin1Char('"') || name.front() == QLatin1Char('`')))
+        return name.mid(1, name.size() - 2);
+    return name;
+}
+
 } // namespace
 
 int orderByPosition(const QString &sql)
@@ -107,8 +118,8 @@ int orderByPosition(const QString &sql)
     return found;
 }
 
-Recordset::Recordset(Database &db, const QString &sql, const QVariantList &params)
-    : m_db(db), m_sql(sql), m_params(params)
+Recordset::Recordset(Database &db, const QString &sql, const QVariantList &params, RowCounter counter)
+    : m_db(db), m_sql(sql), m_params(params), m_counter(std::move(counter))
 {
     openStatement();
     for (int i = 0; i < m_stmt->columnCount(); ++i)
@@ -133,6 +144,8 @@ Recordset::Recordset(Database &db, const QString &sql, const QVariantList &param
             }
         }
     }
+    if (m_keyColumn >= 0 && m_counter.before)
+        readOrder();
     // Whole-file work closes the file under the set: its statements go, and reading goes on after it.
     m_listening = m_db.listen([this](Database::Event e) {
         if (e == Database::Event::Closing)
@@ -198,6 +211,9 @@ const FieldInfo &Recordset::field(const QString &name) const
 
 bool Recordset::fetchUpTo(qint64 pos)
 {
+    // Beyond the rows read from the start, with a run: a row nearer the run is read from it.
+    if (m_runBase >= 0 && pos >= m_keys.size() && (pos >= m_runBase || pos - m_keys.size() > m_runBase - pos))
+        return fetchRun(pos);
     const bool keyed = m_keyColumn >= 0;
     // Rows whose blocks would leave the cache before `pos` is reached are read
     // by their key alone: a jump to the end of a long set builds no whole rows.
@@ -297,14 +313,17 @@ const Recordset::Row &Recordset::rowAt(qint64 pos) const
     if (it == m_blocks.constEnd() || it->at(pos % BlockSize).isEmpty()) {
         // Read the whole block again by its keys, in one query.
         const qint64 from = b * BlockSize;
-        const qint64 to = std::min<qint64>(from + BlockSize, m_keys.size());
+        const qint64 to = std::min<qint64>(from + BlockSize, knownEnd());
         QStringList marks;
         QVariantList params = m_params;
         QHash<QString, qint64> where;
         for (qint64 p = from; p < to; ++p) {
+            const QVariant k = keyAt(p);
+            if (!k.isValid())
+                continue; // between the rows read from the start and the run: read when reached
             marks << QStringLiteral("?");
-            params << m_keys[p];
-            where.insert(keyText(m_keys[p]), p);
+            params << k;
+            where.insert(keyText(k), p);
         }
         Statement st = m_db.prepare(QStringLiteral("select * from (%1) where %2 in (%3)")
                                         .arg(m_sql, quoteName(m_fields[m_keyColumn].name), marks.join(QLatin1Char(','))));
@@ -320,8 +339,8 @@ const Recordset::Row &Recordset::rowAt(qint64 pos) const
         // Rows that left the query since (a changed or added row) are read from the base table.
         for (qint64 p = from; p < to; ++p) {
             auto blk = m_blocks.find(b);
-            if (blk == m_blocks.end() || blk->at(p % BlockSize).isEmpty()) {
-                if (auto row = readByKey(m_keys[p]))
+            if (where.contains(keyText(keyAt(p))) && (blk == m_blocks.end() || blk->at(p % BlockSize).isEmpty())) {
+                if (auto row = readByKey(keyAt(p)))
                     cacheRow(p, *row);
                 else
                     cacheRow(p, Row(m_fields.size())); // deleted elsewhere: all Null
@@ -374,15 +393,16 @@ bool Recordset::isEmpty()
 
 qint64 Recordset::RecordCount()
 {
-    if (m_exhausted)
-        return m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size();
+    if (m_runBase < 0 && m_exhausted)
+        return rowsRead();
     if (!m_total) {
         if (m_keyColumn < 0) {
             fetchAll();
             return m_unkeyed.size();
         }
         const QString counted = withoutOrder(m_sql);
-        m_total = m_db.scalar(QStringLiteral("select count(*) from (%1)").arg(counted), m_params).toLongLong();
+        m_total = m_counter.total ? m_counter.total()
+                                  : m_db.scalar(QStringLiteral("select count(*) from (%1)").arg(counted), m_params).toLongLong();
         // Rows added here stand in the set whether or not the query would find them.
         if (!m_addedKeys.isEmpty()) {
             QStringList marks;
@@ -420,7 +440,7 @@ void Recordset::MoveLast()
 {
     m_deletedCurrent = false;
     fetchAll();
-    m_pos = (m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size()) - 1;
+    m_pos = rowsRead() - 1;
 }
 
 void Recordset::MoveNext()
@@ -511,6 +531,18 @@ qint64 Recordset::positionOfKey(const QVariant &key)
     for (qint64 i = 0; i < m_keys.size(); ++i)
         if (matches(m_keys[i]))
             return i;
+    for (qint64 i = 0; i < m_run.size(); ++i)
+        if (matches(m_run[i]))
+            return m_runBase + i;
+    if (!m_order.isEmpty() && (m_runBase >= 0 || !m_exhausted)) {
+        // The counter tells where it stands; near the rows read, reading on costs less than a run.
+        const std::optional<qint64> before = m_counter.before(key);
+        if (!before)
+            return -1;
+        if (*before >= m_keys.size() + qint64(MaxBlocks) * BlockSize || m_runBase >= 0) {
+            return startRun(key, *before) ? *before : -1;
+        }
+    }
     if (m_exhausted)
         return -1;
     // One query tells whether reading on can find it at all.
@@ -530,10 +562,169 @@ qint64 Recordset::positionOfKey(const QVariant &key)
     return -1;
 }
 
+void Recordset::readOrder()
+{
+    // Only plain names, asc or desc, ending on the key: then the values of a row
+    // in those names place every other row before or after it.
+    const int at = orderByPosition(m_sql);
+    if (at < 0)
+        return;
+    static const QRegularExpression head(QStringLiteral("^order\\s+by\\s+"), QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression term(QStringLiteral("^\\s*(\\w+|\\[[^\\]]+\\]|\"[^\"]+\")(?:\\s+(asc|desc))?\\s*$"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QString tail = m_sql.mid(at).remove(head);
+    QList<OrderTerm> terms;
+    for (const QString &t : tail.split(QLatin1Char(','))) {
+        const QRegularExpressionMatch m = term.match(t);
+        if (!m.hasMatch() || m.captured(1).front().isDigit())
+            return; // an expression, a column number, a limit or a collation: no run follows it
+        terms << OrderTerm{bareName(m.captured(1)), m.captured(2).compare(QLatin1String("desc"), Qt::CaseInsensitive) == 0};
+    }
+    if (!terms.isEmpty() && terms.last().name.compare(m_fields[m_keyColumn].name, Qt::CaseInsensitive) == 0)
+        m_order = terms;
+}
+
+QList<Recordset::Side> Recordset::sidesOf(const QVariantList &anchor, bool after) const
+{
+    // Nulls come first going up and last going down, as the engine orders them.
+    QList<Side> sides;
+    for (qsizetype i = m_order.size() - 1; i >= 0; --i) {
+        Side equal{QString(), {}, i};
+        for (qsizetype j = 0; j < i; ++j) {
+            equal.condition += quoteName(m_order[j].name) + (anchor[j].isNull() ? QStringLiteral(" is null and ") : QStringLiteral(" = ? and "));
+            if (!anchor[j].isNull())
+                equal.params << anchor[j];
+        }
+        const QString name = quoteName(m_order[i].name);
+        const bool key = i == m_order.size() - 1; // never null
+        if (after != m_order[i].desc) {
+            if (!anchor[i].isNull())
+                sides << Side{equal.condition + name + QStringLiteral(" > ?"), equal.params + QVariantList{anchor[i]}, i};
+            else if (!key)
+                sides << Side{equal.condition + name + QStringLiteral(" is not null"), equal.params, i};
+        } else if (!anchor[i].isNull()) {
+            sides << Side{equal.condition + name + QStringLiteral(" < ?"), equal.params + QVariantList{anchor[i]}, i};
+            if (!key)
+                sides << Side{equal.condition + name + QStringLiteral(" is null"), equal.params, i};
+        }
+    }
+    return sides;
+}
+
+std::optional<QVariantList> Recordset::orderValues(const QVariant &key)
+{
+    QStringList names;
+    for (const OrderTerm &t : std::as_const(m_order))
+        names << quoteName(t.name);
+    Statement st = m_db.prepare(QStringLiteral("select %1 from (%2) where %3 = ?")
+                                    .arg(names.join(QLatin1Char(',')), withoutOrder(m_sql), quoteName(m_order.last().name)));
+    st.bindAll(m_params + QVariantList{key});
+    if (!st.step())
+        return std::nullopt;
+    QVariantList values;
+    for (int i = 0; i < names.size(); ++i)
+        values << st.value(i);
+    return values;
+}
+
+QList<QVariantList> Recordset::rowsBeside(const QVariantList &anchor, bool after, qint64 limit)
+{
+    QStringList names;
+    for (const OrderTerm &t : std::as_const(m_order))
+        names << quoteName(t.name);
+    QList<QVariantList> rows;
+    for (const Side &side : sidesOf(anchor, after)) {
+        if (rows.size() >= limit)
+            break;
+        // Ordered by the side's own term and those after it: the ones held equal
+        // would only make the engine sort instead of walking an index. Going back, reversed.
+        QStringList by;
+        for (qsizetype i = side.term; i < m_order.size(); ++i)
+            by << quoteName(m_order[i].name) + (m_order[i].desc == after ? QStringLiteral(" desc") : QString());
+        Statement st = m_db.prepare(QStringLiteral("select %1 from (%2) where %3 order by %4 limit %5")
+                                        .arg(names.join(QLatin1Char(',')), withoutOrder(m_sql), side.condition,
+                                             by.join(QLatin1Char(',')))
+                                        .arg(limit - rows.size()));
+        st.bindAll(m_params + side.params);
+        while (st.step()) {
+            QVariantList values;
+            for (int i = 0; i < names.size(); ++i)
+                values << st.value(i);
+            rows << values;
+        }
+    }
+    return rows;
+}
+
+bool Recordset::startRun(const QVariant &key, qint64 base)
+{
+    const std::optional<QVariantList> anchor = orderValues(key);
+    if (!anchor)
+        return false;
+    // A run already read gives way, and with it its rows and the current row in it.
+    dropCacheFrom(m_keys.size());
+    if (m_pos >= m_keys.size())
+        m_pos = -1;
+    if (m_lastModified >= m_keys.size())
+        m_lastModified = -1;
+    m_run = {anchor->last()};
+    m_runHead = m_runTail = *anchor;
+    m_runBase = base;
+    m_runEnded = false;
+    return true;
+}
+
+bool Recordset::fetchRun(qint64 pos)
+{
+    const auto fresh = [&](const QVariantList &row) {
+        return m_addedKeys.isEmpty() || !m_addedKeys.contains(keyText(row.last()));
+    };
+    while (pos >= knownEnd()) {
+        if (m_runEnded)
+            return false;
+        // As far as asked in one go, a block at least.
+        const qint64 wanted = std::clamp<qint64>(pos - knownEnd() + 1, BlockSize, qint64(1) << 24);
+        const QList<QVariantList> more = rowsBeside(m_runTail, true, wanted);
+        m_runEnded = more.size() < wanted;
+        for (const QVariantList &row : more)
+            if (fresh(row))
+                m_run.append(row.last());
+        if (!more.isEmpty())
+            m_runTail = more.last();
+    }
+    if (pos >= m_runBase)
+        return true;
+    // Back towards the rows read from the start, as far as the start of the row's block.
+    const qint64 from = std::max<qint64>(m_keys.size(), pos / BlockSize * BlockSize);
+    const QList<QVariantList> before = rowsBeside(m_runHead, false, m_runBase - from);
+    QVector<QVariant> run;
+    run.reserve(before.size() + m_run.size());
+    for (auto row = before.crbegin(); row != before.crend(); ++row)
+        if (fresh(*row))
+            run << row->last();
+    if (!before.isEmpty())
+        m_runHead = before.last();
+    m_runBase -= run.size();
+    m_run = run + m_run;
+    // Fewer rows before the run than counted leave a gap that a Requery closes.
+    return pos >= m_runBase;
+}
+
+QVariant Recordset::keyAt(qint64 pos) const
+{
+    if (pos >= 0 && pos < m_keys.size())
+        return m_keys[pos];
+    if (m_runBase >= 0 && pos >= m_runBase && pos < knownEnd())
+        return m_run[pos - m_runBase];
+    return {};
+}
+
 void Recordset::Requery()
 {
     m_mode = EditMode::None;
     m_keys.clear();
+    m_run.clear();
+    m_runBase = -1;
     m_unkeyed.clear();
     m_addedKeys.clear();
     m_blocks.clear();
@@ -549,7 +740,7 @@ void Recordset::requireCurrent() const
 {
     if (m_deletedCurrent)
         throw DbError(SQLITE_ERROR, QStringLiteral("Record is deleted."));
-    if (m_pos < 0 || (m_keyColumn >= 0 ? m_pos >= m_keys.size() : m_pos >= m_unkeyed.size()))
+    if (m_pos < 0 || (m_keyColumn >= 0 ? !keyAt(m_pos).isValid() : m_pos >= m_unkeyed.size()))
         throw DbError(SQLITE_ERROR, QStringLiteral("No current record."));
 }
 
@@ -645,10 +836,10 @@ void Recordset::Update()
                          values);
         key = m_keyIsCounter || !m_dirty[m_keyColumn] ? QVariant(m_db.lastInsertId()) : m_buffer[m_keyColumn];
         m_addedKeys.insert(keyText(key), key);
-        m_keys.append(key);
+        (m_runBase >= 0 ? m_run : m_keys).append(key);
         if (m_total)
             ++*m_total;
-        m_lastModified = m_keys.size() - 1;
+        m_lastModified = knownEnd() - 1;
     } else {
         key = rowAt(m_pos)[m_keyColumn];
         if (!names.isEmpty()) {
@@ -660,7 +851,7 @@ void Recordset::Update()
                          values + QVariantList{key});
         }
         if (m_dirty[m_keyColumn])
-            m_keys[m_pos] = key = m_buffer[m_keyColumn];
+            (m_pos < m_keys.size() ? m_keys[m_pos] : m_run[m_pos - m_runBase]) = key = m_buffer[m_keyColumn];
         m_lastModified = m_pos;
     }
     m_mode = EditMode::None;
@@ -679,7 +870,13 @@ void Recordset::Delete()
     requireCurrent();
     const QVariant key = rowAt(m_pos)[m_keyColumn];
     m_db.execute(QStringLiteral("delete from %1 where %2 = ?").arg(quoteName(m_baseTable), quoteName(m_baseKey)), {key});
-    m_keys.removeAt(m_pos);
+    if (m_pos < m_keys.size()) {
+        m_keys.removeAt(m_pos);
+        if (m_runBase >= 0)
+            --m_runBase;
+    } else {
+        m_run.removeAt(m_pos - m_runBase);
+    }
     m_addedKeys.remove(keyText(key)); // gone from the table: no longer counted as added
     dropCacheFrom(m_pos);
     if (m_total)

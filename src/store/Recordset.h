@@ -23,6 +23,14 @@ namespace store {
 //
 // Edits are written to the base table of the set (the table of its first
 // column) by its primary key, so rows of a view update the table beneath.
+// What the maker of a set knows of its counts without reading it (counts kept by
+// triggers, say): the rows of the whole set, and the rows before a key in the set's
+// order, nothing when the set holds no such key. Either may be left empty.
+struct RowCounter {
+    std::function<qint64()> total;
+    std::function<std::optional<qint64>(const QVariant &key)> before;
+};
+
 // Where a query's final ORDER BY clause begins (outside parentheses, quotes and
 // brackets), or -1 when it has none.
 int orderByPosition(const QString &sql);
@@ -31,7 +39,7 @@ class Recordset {
 public:
     enum class EditMode { None, Edit, AddNew };
 
-    Recordset(Database &db, const QString &sql, const QVariantList &params = {});
+    Recordset(Database &db, const QString &sql, const QVariantList &params = {}, RowCounter counter = {});
     ~Recordset();
     Recordset(const Recordset &) = delete;
     Recordset &operator=(const Recordset &) = delete;
@@ -61,15 +69,18 @@ public:
     void Requery();
 
     // Reading for lists, which must not disturb the current row.
-    qint64 rowsRead() const { return m_keyColumn >= 0 ? m_keys.size() : m_unkeyed.size(); }
-    bool fullyRead() const { return m_exhausted; }
+    qint64 rowsRead() const { return m_keyColumn >= 0 ? knownEnd() : m_unkeyed.size(); }
+    bool fullyRead() const { return m_runBase >= 0 ? m_runEnded : m_exhausted; }
     // Reads forward until row `pos` is read, without moving; false if the set ends first.
     bool readTo(qint64 pos) { return pos < 0 || fetchUpTo(pos); }
     // Runs `look` with the set standing on row `pos` as a plain, unedited row, then
     // puts back the current row, the edit and its buffer; false if there is no such row.
     bool peek(qint64 pos, const std::function<void(const Recordset &)> &look);
-    // Position of the row with this key, reading forward (keys only) as far as it
-    // lies; -1 when the set holds no such row, told by one query before any reading.
+    // Position of the row with this key; -1 when the set holds no such row, told
+    // by one query before any reading. With a counter that tells the rows before
+    // it, a deep row is reached at once: the keys around it are read from there
+    // both ways, by the values of the set's order (a run apart from the rows read
+    // from the start). Otherwise the keys are read forward as far as it lies.
     qint64 positionOfKey(const QVariant &key);
 
     // Values of the current row (or of the edit buffer while editing), as program
@@ -108,6 +119,25 @@ private:
     void requireCurrent() const;
     void requireUpdatable() const;
 
+    // Runs of keys read around a row found by its count.
+    struct OrderTerm {
+        QString name;
+        bool desc = false;
+    };
+    struct Side { // the rows on one side of a row: equal on the terms before `term`, beyond it on that one
+        QString condition;
+        QVariantList params;
+        qsizetype term;
+    };
+    void readOrder(); // fills m_order from the query's final ORDER BY
+    QList<Side> sidesOf(const QVariantList &anchor, bool after) const; // nearest first
+    std::optional<QVariantList> orderValues(const QVariant &key);
+    QList<QVariantList> rowsBeside(const QVariantList &anchor, bool after, qint64 limit); // order values, key last
+    bool startRun(const QVariant &key, qint64 base);
+    bool fetchRun(qint64 pos);
+    qint64 knownEnd() const { return m_runBase >= 0 ? m_runBase + m_run.size() : m_keys.size(); }
+    QVariant keyAt(qint64 pos) const;
+
     Database &m_db;
     QString m_sql;
     QVariantList m_params;
@@ -128,6 +158,12 @@ private:
     mutable QHash<qint64, QVector<Row>> m_blocks;
     mutable QList<qint64> m_blockOrder; // least recently used first
     std::optional<qint64> m_total;
+    RowCounter m_counter;
+    QList<OrderTerm> m_order;      // the final order when it ends on the key and a run can follow it
+    QVector<QVariant> m_run;       // keys of the run, beyond those read from the start
+    qint64 m_runBase = -1;         // position of its first key; -1 when there is no run
+    QVariantList m_runHead, m_runTail; // order values of its first and last rows
+    bool m_runEnded = false;       // the run reached the end of the set
 
     qint64 m_pos = -1;
     qint64 m_lastModified = -1;

@@ -2,6 +2,7 @@
 #include "Schema.h"
 
 #include "Database.h"
+#include "DbError.h"
 #include "UnicodeText.h"
 
 #include <QRegularExpression>
@@ -40,7 +41,7 @@ CREATE TABLE Movimentazioni (
 CREATE INDEX Movimentazioni_AnnoProgressivo ON Movimentazioni (Anno, Progressivo);
 CREATE INDEX Movimentazioni_Anno ON Movimentazioni (Anno);
 CREATE INDEX Movimentazioni_Stato ON Movimentazioni (Entrato, Annullato, Contabilizzato);
-CREATE INDEX Movimentazioni_Targa ON Movimentazioni (Targa);
+CREATE INDEX Movimentazioni_TargaAnno ON Movimentazioni (Targa, Anno);
 CREATE INDEX Movimentazioni_DataOra ON Movimentazioni (DataOra);
 
 CREATE TABLE Clienti (
@@ -178,6 +179,38 @@ FROM Clienti
 LEFT JOIN Autorizzazioni ON Autorizzazioni.id = Clienti.IdUtente;
 )SQL";
 
+// The register's rows counted by year, state and block of 4096 ids, one row
+// for each (NULL years too), kept by triggers: the list counts a million movements and tells the place of one of
+// them by summing a few thousand of these rows, not by reading the register.
+const char *const RegisterCounts = R"SQL(
+CREATE TABLE ConteggiMovimenti (
+  Anno TEXT(4),
+  Entrato YESNO,
+  Blocco LONG,
+  Righe LONG
+);
+CREATE UNIQUE INDEX ConteggiMovimenti_Chiave ON ConteggiMovimenti (Anno, Entrato, Blocco);
+CREATE TRIGGER ConteggiMovimenti_Entra AFTER INSERT ON Movimentazioni BEGIN
+  UPDATE ConteggiMovimenti SET Righe = Righe + 1 WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096;
+  INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) SELECT NEW.Anno, NEW.Entrato, NEW.id / 4096, 1
+    WHERE NOT EXISTS (SELECT 1 FROM ConteggiMovimenti WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096);
+END;
+CREATE TRIGGER ConteggiMovimenti_Esce AFTER DELETE ON Movimentazioni BEGIN
+  UPDATE ConteggiMovimenti SET Righe = Righe - 1 WHERE Anno IS OLD.Anno AND Entrato IS OLD.Entrato AND Blocco = OLD.id / 4096;
+END;
+CREATE TRIGGER ConteggiMovimenti_Cambia AFTER UPDATE OF id, Anno, Entrato ON Movimentazioni
+WHEN OLD.id IS NOT NEW.id OR OLD.Anno IS NOT NEW.Anno OR OLD.Entrato IS NOT NEW.Entrato BEGIN
+  UPDATE ConteggiMovimenti SET Righe = Righe - 1 WHERE Anno IS OLD.Anno AND Entrato IS OLD.Entrato AND Blocco = OLD.id / 4096;
+  UPDATE ConteggiMovimenti SET Righe = Righe + 1 WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096;
+  INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) SELECT NEW.Anno, NEW.Entrato, NEW.id / 4096, 1
+    WHERE NOT EXISTS (SELECT 1 FROM ConteggiMovimenti WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096);
+END;
+)SQL";
+
+const char *const RegisterCountsFill =
+    "INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) "
+    "SELECT Anno, Entrato, id / 4096, count(*) FROM Movimentazioni GROUP BY Anno, Entrato, id / 4096";
+
 const char *const BackupCatalogue = R"SQL(
 CREATE TABLE backup (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -207,6 +240,44 @@ QString caseBlindText(const char *ddl)
 void createWorkingTables(Database &db)
 {
     db.executeScript(caseBlindText(WorkingTables));
+    db.executeScript(caseBlindText(RegisterCounts));
+}
+
+void upgradeRegister(Database &db)
+{
+    const auto has = [&db](const char *type, const char *name) {
+        return db.scalar(QStringLiteral("select 1 from sqlite_master where type = ? and name = ?"),
+                         {QLatin1String(type), QLatin1String(name)})
+            .isValid();
+    };
+    const bool counts = has("trigger", "ConteggiMovimenti_Cambia");
+    const bool plates = has("index", "Movimentazioni_TargaAnno");
+    if (counts && plates)
+        return;
+    // A savepoint, not a transaction: the caller may be inside one.
+    db.executeScript(QStringLiteral("SAVEPOINT registro"));
+    try {
+        if (!counts) {
+            db.executeScript(QStringLiteral("DROP TABLE IF EXISTS ConteggiMovimenti"));
+            db.executeScript(caseBlindText(RegisterCounts));
+            db.execute(QLatin1String(RegisterCountsFill));
+        }
+        if (!plates) // the year beside the plate: a search by plate finds the first row by the index alone
+            db.executeScript(QStringLiteral("CREATE INDEX Movimentazioni_TargaAnno ON Movimentazioni (Targa, Anno);"
+                                            "DROP INDEX IF EXISTS Movimentazioni_Targa"));
+    } catch (const DbError &) {
+        db.executeScript(QStringLiteral("ROLLBACK TO registro; RELEASE registro"));
+        throw;
+    }
+    db.executeScript(QStringLiteral("RELEASE registro"));
+}
+
+void refillRegisterCounts(Database &db)
+{
+    if (!db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'table' and name = 'ConteggiMovimenti'")).isValid())
+        return;
+    db.execute(QStringLiteral("DELETE FROM ConteggiMovimenti"));
+    db.execute(QLatin1String(RegisterCountsFill));
 }
 
 void insertDeliveredRows(Database &db, int minorVersion)

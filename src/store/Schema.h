@@ -10,6 +10,11 @@ namespace Schema {
 
 // Tables, indexes and the two stored queries of the working database.
 void createWorkingTables(Database &db);
+// Brings a register made by an earlier version up to date: its counts
+// (ConteggiMovimenti, filled here) and the index of plates with years.
+void upgradeRegister(Database &db);
+// Counts the register again; for a copy whose rows were not all saved.
+void refillRegisterCounts(Database &db);
 // The delivered rows: the settings row, the two system users, example tariff bands.
 void insertDeliveredRows(Database &db, int minorVersion);
 // The catalogue of backups.

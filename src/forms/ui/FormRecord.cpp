@@ -603,9 +603,10 @@ void FormRecord::Riposiziona()
     emit posizioneCambiata(valida ? rs.AbsolutePosition() : -1);
 }
 
-void FormRecord::apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave)
+void FormRecord::apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave,
+                               store::RowCounter contatore)
 {
-    m_dettaglio->riapri(sql, parametri);
+    m_dettaglio->riapri(sql, parametri, std::move(contatore));
     posizionaDettaglio(chiave);
 }
 

@@ -101,7 +101,8 @@ protected:
     // The reposition event: shows the row in the detail panel.
     void Riposiziona();
     // Opens the detail source on another query and puts the current row on `chiave` if it is there.
-    void apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave = QVariant());
+    void apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave = QVariant(),
+                       store::RowCounter contatore = {});
     // Reads the detail source again, staying on the row with `chiave` if it is still there.
     void ricaricaDettaglio(const QVariant &chiave);
     frame::Prompter &prompter() { return m_prompter; }

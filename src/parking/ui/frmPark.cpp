@@ -294,7 +294,7 @@ void frmPark::applicaRicerca(const EsitoRicerca &esito)
 {
     if (esito.eseguita) {
         try {
-            apriDettaglio(esito.elenco.sql, esito.elenco.parametri, esito.chiave);
+            apriDettaglio(esito.elenco.sql, esito.elenco.parametri, esito.chiave, esito.elenco.contatore);
         } catch (const store::DbError &e) {
             frame::MostraErrore(prompter(), e.message());
             return;

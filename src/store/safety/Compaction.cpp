@@ -6,6 +6,7 @@
 #include <DbError.h>
 #include <Language.h>
 #include <PublicState.h>
+#include <Schema.h>
 #include <Routines.h>
 #include <SettingsStore.h>
 #include <Sqlite.h>
@@ -344,6 +345,9 @@ bool salva(store::Database &sorgente, const QString &copiaPath, const QString &c
         righe += s.copia();
         guasto = guasto || s.guasto();
     }
+    // Rows lost to damage would leave the register's counts counting them.
+    if (guasto)
+        store::Schema::refillRegisterCounts(copia);
     // Counters of AUTOINCREMENT tables, so that no number is given twice.
     try {
         store::Statement st = sorgente.prepare(QStringLiteral("SELECT name, seq FROM sqlite_sequence"));

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ContaRegistro.h"
+
+#include "Ricerca.h"
+
+#include <Database.h>
+#include <Schema.h>
+
+namespace parking {
+
+namespace {
+
+constexpr qint64 Blocco = 4096; // ids per row of the counts, as the triggers group them
+
+} // namespace
+
+store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione)
+{
+    store::Schema::upgradeRegister(db);
+    // The option's condition on the state; yes/no fields store -1 and 0.
+    const QString stato = opzione == OpzioneElenco::Dentro ? QStringLiteral(" and Entrato = -1")
+                        : opzione == OpzioneElenco::Usciti ? QStringLiteral(" and Entrato = 0")
+                                                           : QString();
+    store::RowCounter c;
+    c.total = [&db, stato] {
+        return db.scalar(QStringLiteral("select coalesce(sum(Righe), 0) from ConteggiMovimenti where 1") + stato).toLongLong();
+    };
+    c.before = [&db, stato](const QVariant &chiave) -> std::optional<qint64> {
+        store::Statement riga = db.prepare(QStringLiteral("select Anno from Movimentazioni where id = ?") + stato);
+        riga.bindAll({chiave});
+        if (!riga.step())
+            return std::nullopt;
+        const QVariant anno = riga.value(0);
+        const qint64 id = chiave.toLongLong();
+        const qint64 blocco = id / Blocco;
+        // Whole blocks of the years before and of its own year, then its own block by rows.
+        // Years without a value come first, as the list orders them.
+        const QString prima = anno.isNull() ? QStringLiteral("Anno is null and Blocco < ?")
+                                            : QStringLiteral("(Anno is null or Anno < ? or (Anno = ? and Blocco < ?))");
+        const QVariantList perBlocchi = anno.isNull() ? QVariantList{blocco} : QVariantList{anno, anno, blocco};
+        const qint64 blocchi =
+            db.scalar(QStringLiteral("select coalesce(sum(Righe), 0) from ConteggiMovimenti where ") + prima + stato, perBlocchi)
+                .toLongLong();
+        const qint64 righe = db.scalar(QStringLiteral("select count(*) from Movimentazioni where id >= ? and id < ? and Anno is ?") + stato,
+                                       {blocco * Blocco, id, anno})
+                                 .toLongLong();
+        return blocchi + righe;
+    };
+    return c;
+}
+
+} // namespace parking
