@@ -33,10 +33,11 @@ int comeRiga(qint64 n)
 
 } // namespace
 
-RecordsetModel::RecordsetModel(store::Database &db, const QString &sql, const QVariantList &params, QObject *parent)
-    : QAbstractTableModel(parent), m_db(db), m_sqlBase(sql), m_params(params)
+RecordsetModel::RecordsetModel(store::Database &db, const QString &sql, const QVariantList &params, store::RowCounter contatore,
+                               QObject *parent)
+    : QAbstractTableModel(parent), m_db(db), m_sqlBase(sql), m_params(params), m_contatore(std::move(contatore))
 {
-    m_rs = std::make_unique<store::Recordset>(m_db, sql, params);
+    m_rs = std::make_unique<store::Recordset>(m_db, sql, params, m_contatore);
     m_sql = sql;
     ricalcolaColonne();
     primaPagina();

@@ -32,7 +32,8 @@ public:
     // and, on the horizontal header, the field name of the column.
     static constexpr int RuoloValore = Qt::UserRole;
 
-    RecordsetModel(store::Database &db, const QString &sql, const QVariantList &params = {}, QObject *parent = nullptr);
+    RecordsetModel(store::Database &db, const QString &sql, const QVariantList &params = {}, store::RowCounter contatore = {},
+                   QObject *parent = nullptr);
     ~RecordsetModel() override;
 
     // Opens the list on another query; captions, hidden fields, formats and colours stay.
