@@ -539,7 +539,7 @@ qint64 Recordset::positionOfKey(const QVariant &key)
         const std::optional<qint64> before = m_counter.before(key);
         if (!before)
             return -1;
-        if (*before >= m_keys.size() + qint64(MaxBlocks) * BlockSize || m_runBase >= 0) {
+        if (*before >= m_keys.size() + NearRows || m_runBase >= 0) {
             return startRun(key, *before) ? *before : -1;
         }
     }

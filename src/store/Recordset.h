@@ -102,6 +102,7 @@ private:
     using Row = QVector<QVariant>;
     static constexpr int BlockSize = 256;
     static constexpr int MaxBlocks = 64;
+    static constexpr int NearRows = 4 * BlockSize; // a key this near the rows read is found by reading on
 
     void openStatement();
     void detach();

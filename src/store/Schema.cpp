@@ -258,7 +258,8 @@ void upgradeRegister(Database &db)
     db.executeScript(QStringLiteral("SAVEPOINT registro"));
     try {
         if (!counts) {
-            db.executeScript(QStringLiteral("DROP TABLE IF EXISTS ConteggiMovimenti"));
+            db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS ConteggiMovimenti_Entra; DROP TRIGGER IF EXISTS ConteggiMovimenti_Esce;"
+                                            "DROP TABLE IF EXISTS ConteggiMovimenti"));
             db.executeScript(caseBlindText(RegisterCounts));
             db.execute(QLatin1String(RegisterCountsFill));
         }

@@ -12,6 +12,7 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 using frame::Prompter;
@@ -70,6 +71,21 @@ private:
             ids << rs.key().toLongLong();
         return ids;
     }
+    // The counter of a list over the whole register tells what reading the list tells.
+    bool contaComeLegge(OpzioneElenco opzione)
+    {
+        const parking::SorgenteElenco s = parking::ElencoMovimenti(opzione);
+        const Ids ids = righe(s);
+        bool giusto = s.contatore.total() == ids.size();
+        Ids tutti{0, 99999}; // and two that are no movement
+        for (store::Statement st = db().prepare(QStringLiteral("select id from Movimentazioni")); st.step();)
+            tutti << st.value(0).toLongLong();
+        for (const qint64 id : std::as_const(tutti)) {
+            const std::optional<qint64> prima = s.contatore.before(id);
+            giusto = giusto && (ids.contains(id) ? prima == ids.indexOf(id) : !prima);
+        }
+        return giusto;
+    }
     PannelloRicerca pannello(const QString &numero, const QString &anno, const QString &targa, const QString &data,
                              OpzioneElenco opzione = OpzioneElenco::Tutti)
     {
@@ -110,6 +126,33 @@ private slots:
         QFETCH(QDate, giorno);
         QFETCH(Ids, attese);
         QCOMPARE(righe(parking::ElencoMovimenti(opzione, giorno)), attese);
+        QCOMPARE(bool(parking::ElencoMovimenti(opzione, giorno).contatore.total), !giorno.isValid());
+        if (!giorno.isValid())
+            QVERIFY(contaComeLegge(opzione));
+    }
+
+    // The counts follow every write to the register, across blocks of ids and
+    // years without a value, and a file made before them gets them on first use.
+    void countsFollowTheRegister()
+    {
+        const QList<OpzioneElenco> opzioni{OpzioneElenco::Tutti, OpzioneElenco::Dentro, OpzioneElenco::Usciti};
+        const auto tutteGiuste = [&] {
+            return std::all_of(opzioni.begin(), opzioni.end(), [&](OpzioneElenco o) { return contaComeLegge(o); });
+        };
+        for (const int id : {4100, 9000, 13000})
+            db().execute(QStringLiteral("insert into Movimentazioni (id, Anno, Entrato) values (?, ?, -1)"),
+                         {id, id == 9000 ? QVariant() : QVariant(QStringLiteral("2025"))});
+        QVERIFY(tutteGiuste());
+        db().execute(QStringLiteral("update Movimentazioni set Entrato = 0 where id in (2, 9000)"));
+        db().execute(QStringLiteral("update Movimentazioni set Anno = '2024' where id = 13000"));
+        db().execute(QStringLiteral("update Movimentazioni set id = 20000 where id = 4100"));
+        db().execute(QStringLiteral("delete from Movimentazioni where id in (3, 9000)"));
+        QVERIFY(tutteGiuste());
+
+        db().executeScript(QStringLiteral("DROP TRIGGER ConteggiMovimenti_Cambia; DROP TABLE ConteggiMovimenti;"
+                                          "DROP INDEX Movimentazioni_TargaAnno"));
+        QVERIFY(tutteGiuste());
+        QVERIFY(db().scalar(QStringLiteral("select 1 from sqlite_master where name = 'Movimentazioni_TargaAnno'")).isValid());
     }
 
     void search_data()

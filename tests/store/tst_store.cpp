@@ -666,6 +666,83 @@ private slots:
         QCOMPARE(n, Rows);
     }
 
+    // A row found deep by its count: the keys around it are read both ways by the
+    // values of the order, gaps fill from the nearer side, edits keep the places.
+    void deepRowByCount_data()
+    {
+        QTest::addColumn<QString>("order");
+        QTest::newRow("year, id") << u"Anno, id"_s;                     // no-year rows first
+        QTest::newRow("year desc, id desc") << u"Anno desc, id desc"_s; // no-year rows last
+    }
+
+    void deepRowByCount()
+    {
+        QFETCH(QString, order);
+        constexpr int Rows = 6000;
+        {
+            store::Transaction t(db());
+            store::Statement ins = db().prepare(u"insert into Movimentazioni (Anno, Progressivo, Targa, IdUtente) values (?, ?, ?, 1)"_s);
+            for (int i = 1; i <= Rows; ++i) {
+                ins.reset(); // years interleaved, so that the order is not that of the ids
+                ins.bindAll({i % 50 == 0 ? QVariant() : QVariant(QString::number(2024 + i % 3)), i, u"T%1"_s.arg(i)});
+                ins.step();
+            }
+            t.commit();
+        }
+        const QString query = u"select * from Q_Movimentazioni_Utenti order by "_s + order;
+        const auto expected = [&] {
+            QVector<qint64> ids;
+            for (auto st = db().prepare(u"select id from Movimentazioni order by "_s + order); st.step();)
+                ids << st.value(0).toLongLong();
+            return ids;
+        };
+        store::RowCounter counter{[&] { return qint64(expected().size()); },
+                                  [&](const QVariant &key) -> std::optional<qint64> {
+                                      const qint64 at = expected().indexOf(key.toLongLong());
+                                      return at < 0 ? std::nullopt : std::optional<qint64>(at);
+                                  }};
+        Recordset rs(db(), query, {}, counter);
+        QVector<qint64> ids = expected();
+        QCOMPARE(rs.RecordCount(), Rows);
+        const auto keyAt = [&](qint64 pos) { return rs.setAbsolutePosition(pos) ? rs.key().toLongLong() : -1; };
+
+        QCOMPARE(rs.positionOfKey(ids[40]), 40); // near the start: read on
+        QCOMPARE(rs.positionOfKey(999999), -1);
+        const qint64 deep = 4500;
+        QCOMPARE(rs.positionOfKey(ids[deep]), deep);
+        for (qint64 pos = deep - 700; pos <= deep + 700; pos += 7) // beyond a block both ways
+            QCOMPARE(keyAt(pos), ids[pos]);
+        QCOMPARE(rs.value(u"Targa"_s).toString(), plateOf(ids[deep + 700]));
+        const qint64 nulls = order.contains(u"desc"_s) ? Rows - 10 : 10; // a row among those without a year
+        QCOMPARE(rs.positionOfKey(ids[nulls]), nulls);
+
+        // Edits in the run: a delete closes up, an added row stands at the end of the rows known.
+        QCOMPARE(rs.positionOfKey(ids[deep]), deep);
+        rs.setAbsolutePosition(deep);
+        rs.Delete();
+        ids.removeAt(deep);
+        rs.MoveNext();
+        QCOMPARE(rs.key().toLongLong(), ids[deep]);
+        rs.AddNew();
+        rs.setValue(u"Targa"_s, u"NEW"_s);
+        rs.Update();
+        rs.MoveLastModified();
+        QCOMPARE(rs.value(u"Targa"_s).toString(), u"NEW"_s);
+
+        // The whole set in order, the gap read from both sides; then from the end back.
+        Recordset again(db(), query, {}, counter);
+        ids = expected();
+        QCOMPARE(again.positionOfKey(ids[3000]), 3000);
+        bool inOrder = true;
+        for (qint64 pos = 0; pos < ids.size(); ++pos)
+            inOrder = inOrder && again.setAbsolutePosition(pos) && again.key().toLongLong() == ids[pos];
+        QVERIFY(inOrder);
+        QVERIFY(!again.setAbsolutePosition(ids.size()));
+        again.MoveLast();
+        QCOMPARE(again.key().toLongLong(), ids.last());
+        QCOMPARE(again.RecordCount(), ids.size());
+    }
+
     void connectionsAreShared()
     {
         Database &a = store::Connections::get(working());
