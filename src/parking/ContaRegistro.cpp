@@ -46,6 +46,23 @@ store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione)
                                  .toLongLong();
         return blocchi + righe;
     };
+    c.at = [&db, stato](qint64 posizione) -> QVariant {
+        // The block that holds it, by the counts in the list's order; then its row there.
+        store::Statement blocchi = db.prepare(QStringLiteral("select Anno, Blocco, sum(Righe) from ConteggiMovimenti where 1") + stato
+                                              + QStringLiteral(" group by Anno, Blocco order by Anno, Blocco"));
+        qint64 prima = 0;
+        while (posizione >= 0 && blocchi.step()) {
+            const qint64 righe = blocchi.value(2).toLongLong();
+            if (posizione < prima + righe) {
+                const qint64 blocco = blocchi.value(1).toLongLong();
+                return db.scalar(QStringLiteral("select id from Movimentazioni where id >= ? and id < ? and Anno is ?") + stato
+                                     + QStringLiteral(" order by id limit 1 offset ?"),
+                                 {blocco * Blocco, (blocco + 1) * Blocco, blocchi.value(0), posizione - prima});
+            }
+            prima += righe;
+        }
+        return {};
+    };
     return c;
 }
 

@@ -12,7 +12,8 @@ enum class OpzioneElenco;
 
 // The counts of the movement list over the whole register (no day), ordered by
 // year and id, from the counts the triggers keep (ConteggiMovimenti): the whole
-// list, and the rows before a movement, in a few milliseconds at any size.
+// list, the rows before a movement and the movement at a place, in a few
+// milliseconds at any size.
 // A register of an earlier version is brought up to date first.
 store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione);
 

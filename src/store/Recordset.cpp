@@ -211,6 +211,13 @@ const FieldInfo &Recordset::field(const QString &name) const
 
 bool Recordset::fetchUpTo(qint64 pos)
 {
+    // A row far from those read, as a jump of the scroll bar asks, starts a run of
+    // its own, unless the current row stands in the run that would give way.
+    if (m_counter.at && !m_order.isEmpty() && farFromRead(pos) && !(m_runBase >= 0 && m_pos >= m_keys.size())) {
+        const QVariant key = m_counter.at(pos);
+        if (key.isValid() && startRun(key, pos))
+            return true;
+    }
     // Beyond the rows read from the start, with a run: a row nearer the run is read from it.
     if (m_runBase >= 0 && pos >= m_keys.size() && (pos >= m_runBase || pos - m_keys.size() > m_runBase - pos))
         return fetchRun(pos);
@@ -439,6 +446,9 @@ void Recordset::MoveFirst()
 void Recordset::MoveLast()
 {
     m_deletedCurrent = false;
+    // With counts the last rows are reached by a jump, not by reading all before them.
+    if (m_counter.at && m_counter.total && !m_order.isEmpty())
+        fetchUpTo(RecordCount() - 1);
     fetchAll();
     m_pos = rowsRead() - 1;
 }
@@ -661,7 +671,10 @@ bool Recordset::startRun(const QVariant &key, qint64 base)
     const std::optional<QVariantList> anchor = orderValues(key);
     if (!anchor)
         return false;
-    // A run already read gives way, and with it its rows and the current row in it.
+    // A run already read gives way, and with it its rows and the current row in it;
+    // rows added in it are read again where they belong.
+    for (const QVariant &k : std::as_const(m_run))
+        m_addedKeys.remove(keyText(k));
     dropCacheFrom(m_keys.size());
     if (m_pos >= m_keys.size())
         m_pos = -1;
@@ -708,6 +721,18 @@ bool Recordset::fetchRun(qint64 pos)
     m_run = run + m_run;
     // Fewer rows before the run than counted leave a gap that a Requery closes.
     return pos >= m_runBase;
+}
+
+bool Recordset::farFromRead(qint64 pos) const
+{
+    constexpr qint64 Far = qint64(MaxBlocks) * BlockSize;
+    if (pos < m_keys.size())
+        return false;
+    if (m_runBase < 0)
+        return pos - m_keys.size() > Far && !m_exhausted;
+    if (pos < m_runBase)
+        return std::min(pos - m_keys.size(), m_runBase - pos) > Far;
+    return pos - knownEnd() > Far && !m_runEnded;
 }
 
 QVariant Recordset::keyAt(qint64 pos) const

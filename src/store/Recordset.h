@@ -24,11 +24,13 @@ namespace store {
 // Edits are written to the base table of the set (the table of its first
 // column) by its primary key, so rows of a view update the table beneath.
 // What the maker of a set knows of its counts without reading it (counts kept by
-// triggers, say): the rows of the whole set, and the rows before a key in the set's
-// order, nothing when the set holds no such key. Either may be left empty.
+// triggers, say): the rows of the whole set, the rows before a key in the set's
+// order (nothing when the set holds no such key), and the key at a position
+// (invalid past the end). Any may be left empty.
 struct RowCounter {
     std::function<qint64()> total;
     std::function<std::optional<qint64>(const QVariant &key)> before;
+    std::function<QVariant(qint64 pos)> at;
 };
 
 // Where a query's final ORDER BY clause begins (outside parentheses, quotes and
@@ -136,6 +138,7 @@ private:
     QList<QVariantList> rowsBeside(const QVariantList &anchor, bool after, qint64 limit); // order values, key last
     bool startRun(const QVariant &key, qint64 base);
     bool fetchRun(qint64 pos);
+    bool farFromRead(qint64 pos) const; // more than a cache of rows away from any key read
     qint64 knownEnd() const { return m_runBase >= 0 ? m_runBase + m_run.size() : m_keys.size(); }
     QVariant keyAt(qint64 pos) const;
 
