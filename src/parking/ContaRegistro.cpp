@@ -16,16 +16,18 @@ constexpr qint64 Blocco = 4096; // ids per row of the counts, as the triggers gr
 
 store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione)
 {
-    store::Schema::upgradeRegister(db);
     // The option's condition on the state; yes/no fields store -1 and 0.
     const QString stato = opzione == OpzioneElenco::Dentro ? QStringLiteral(" and Entrato = -1")
                         : opzione == OpzioneElenco::Usciti ? QStringLiteral(" and Entrato = 0")
                                                            : QString();
     store::RowCounter c;
+    // Checked at each use: a restore may have put back a file made before the counts.
     c.total = [&db, stato] {
+        store::Schema::upgradeRegister(db);
         return db.scalar(QStringLiteral("select coalesce(sum(Righe), 0) from ConteggiMovimenti where 1") + stato).toLongLong();
     };
     c.before = [&db, stato](const QVariant &chiave) -> std::optional<qint64> {
+        store::Schema::upgradeRegister(db);
         store::Statement riga = db.prepare(QStringLiteral("select Anno from Movimentazioni where id = ?") + stato);
         riga.bindAll({chiave});
         if (!riga.step())
@@ -47,6 +49,7 @@ store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione)
         return blocchi + righe;
     };
     c.at = [&db, stato](qint64 posizione) -> QVariant {
+        store::Schema::upgradeRegister(db);
         // The block that holds it, by the counts in the list's order; then its row there.
         store::Statement blocchi = db.prepare(QStringLiteral("select Anno, Blocco, sum(Righe) from ConteggiMovimenti where 1") + stato
                                               + QStringLiteral(" group by Anno, Blocco order by Anno, Blocco"));

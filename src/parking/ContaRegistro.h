@@ -14,7 +14,7 @@ enum class OpzioneElenco;
 // year and id, from the counts the triggers keep (ConteggiMovimenti): the whole
 // list, the rows before a movement and the movement at a place, in a few
 // milliseconds at any size.
-// A register of an earlier version is brought up to date first.
+// A register of an earlier version (made so, or restored) is brought up to date on use.
 store::RowCounter ContatoreRegistro(store::Database &db, OpzioneElenco opzione);
 
 } // namespace parking

@@ -725,7 +725,7 @@ bool Recordset::fetchRun(qint64 pos)
 
 bool Recordset::farFromRead(qint64 pos) const
 {
-    constexpr qint64 Far = qint64(MaxBlocks) * BlockSize;
+    constexpr qint64 Far = NearRows;
     if (pos < m_keys.size())
         return false;
     if (m_runBase < 0)

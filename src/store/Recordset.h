@@ -104,7 +104,7 @@ private:
     using Row = QVector<QVariant>;
     static constexpr int BlockSize = 256;
     static constexpr int MaxBlocks = 64;
-    static constexpr int NearRows = 4 * BlockSize; // a key this near the rows read is found by reading on
+    static constexpr int NearRows = 4 * BlockSize; // a row this near the rows read is reached by reading on
 
     void openStatement();
     void detach();
@@ -138,7 +138,7 @@ private:
     QList<QVariantList> rowsBeside(const QVariantList &anchor, bool after, qint64 limit); // order values, key last
     bool startRun(const QVariant &key, qint64 base);
     bool fetchRun(qint64 pos);
-    bool farFromRead(qint64 pos) const; // more than a cache of rows away from any key read
+    bool farFromRead(qint64 pos) const; // more than NearRows away from any key read
     qint64 knownEnd() const { return m_runBase >= 0 ? m_runBase + m_run.size() : m_keys.size(); }
     QVariant keyAt(qint64 pos) const;
 

@@ -76,7 +76,9 @@ private:
     {
         const parking::SorgenteElenco s = parking::ElencoMovimenti(opzione);
         const Ids ids = righe(s);
-        bool giusto = s.contatore.total() == ids.size();
+        bool giusto = s.contatore.total() == ids.size() && !s.contatore.at(ids.size()).isValid();
+        for (qint64 i = 0; i < ids.size(); ++i)
+            giusto = giusto && s.contatore.at(i).toLongLong() == ids[i];
         Ids tutti{0, 99999}; // and two that are no movement
         for (store::Statement st = db().prepare(QStringLiteral("select id from Movimentazioni")); st.step();)
             tutti << st.value(0).toLongLong();

@@ -700,12 +700,18 @@ private slots:
                                   [&](const QVariant &key) -> std::optional<qint64> {
                                       const qint64 at = expected().indexOf(key.toLongLong());
                                       return at < 0 ? std::nullopt : std::optional<qint64>(at);
+                                  },
+                                  [&](qint64 pos) {
+                                      const QVector<qint64> all = expected();
+                                      return pos < all.size() ? QVariant(all[pos]) : QVariant();
                                   }};
         Recordset rs(db(), query, {}, counter);
         QVector<qint64> ids = expected();
         QCOMPARE(rs.RecordCount(), Rows);
         const auto keyAt = [&](qint64 pos) { return rs.setAbsolutePosition(pos) ? rs.key().toLongLong() : -1; };
 
+        QCOMPARE(keyAt(Rows - 3), ids[Rows - 3]); // a jump, by the key at that place
+        QVERIFY(!rs.setAbsolutePosition(Rows));
         QCOMPARE(rs.positionOfKey(ids[40]), 40); // near the start: read on
         QCOMPARE(rs.positionOfKey(999999), -1);
         const qint64 deep = 4500;
@@ -729,10 +735,11 @@ private slots:
         rs.MoveLastModified();
         QCOMPARE(rs.value(u"Targa"_s).toString(), u"NEW"_s);
 
-        // The whole set in order, the gap read from both sides; then from the end back.
+        // The whole set in order, the gap read from both sides; then the last row by a jump.
         Recordset again(db(), query, {}, counter);
         ids = expected();
         QCOMPARE(again.positionOfKey(ids[3000]), 3000);
+        again.setAbsolutePosition(3000); // the current row keeps its run: no jump away from it
         bool inOrder = true;
         for (qint64 pos = 0; pos < ids.size(); ++pos)
             inOrder = inOrder && again.setAbsolutePosition(pos) && again.key().toLongLong() == ids[pos];
