@@ -62,12 +62,6 @@ QStyle::StandardPixmap icona(const QString &chiave)
     return icone.value(chiave, QStyle::SP_CustomBase);
 }
 
-// Whether the list holds at least `n` rows, reading no further than that.
-bool almeno(RecordsetModel &m, qint64 n)
-{
-    return m.recordset().readTo(n - 1);
-}
-
 QVariant valoreCasella(QWidget *w, TipoCasellaScheda tipo)
 {
     if (auto *c = qobject_cast<QCheckBox *>(w))
@@ -117,14 +111,13 @@ void mostraValore(QWidget *w, const QVariant &v)
 } // namespace
 
 FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configurazione, QWidget *parent)
-    : QWidget(parent), m_report(prompter, this), m_prompter(prompter), m_cfg(std::move(configurazione)), m_toolbar(new QToolBar(this)),
-      m_pannelli(new QStackedWidget(this)), m_velo(nullptr), m_posizione(new QLabel(this)),
-      m_filtri(new PannelloFiltro(this)), m_griglia(nullptr), m_chkOrdinamento(nullptr), m_cmbOrdinamento(nullptr)
+    : QWidget(parent), m_report(prompter, this), m_toolbar(new QToolBar(this)), m_pannelli(new QStackedWidget(this)),
+      m_velo(nullptr), m_posizione(new QLabel(this)), m_filtri(new PannelloFiltro(this)), m_griglia(nullptr),
+      m_chkOrdinamento(nullptr), m_cmbOrdinamento(nullptr)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    store::Database &db = frame::basedati();
-    m_dettaglio = std::make_unique<RecordsetModel>(db, m_cfg.sorgenteIniziale);
-    m_elenco = std::make_unique<RecordsetModel>(db, m_cfg.sorgenteIniziale);
+    MacchinaScheda::Ganci &ganci = *this;
+    m_macchina = std::make_unique<MacchinaScheda>(frame::basedati(), prompter, std::move(configurazione), ganci);
 
     creaToolbar();
     auto *dettaglio = new QWidget(m_pannelli);
@@ -145,10 +138,16 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
     connect(m_filtri, &PannelloFiltro::esegui, this, &FormRecord::Command6);
     connect(m_filtri, &PannelloFiltro::chiudi, this, &FormRecord::Command5);
     connect(m_filtri, &PannelloFiltro::elencoPrecedente, this, &FormRecord::CmdElencoPrec);
-    // After a backup, restore or compaction the record shown is read again from the file.
-    connect(m_dettaglio.get(), &RecordsetModel::riletto, this, [this] {
-        if (recordset().editMode() == store::Recordset::EditMode::None)
-            fileRiletto();
+    MacchinaScheda *m = m_macchina.get();
+    connect(m, &MacchinaScheda::statoCambiato, this, &FormRecord::mostraStato);
+    connect(m, &MacchinaScheda::fuocoRichiesto, this, &FormRecord::daiFuoco);
+    connect(m, &MacchinaScheda::elencoRiaperto, this, &FormRecord::elencoRiaperto);
+    connect(m, &MacchinaScheda::posizioneCambiata, this, &FormRecord::posizioneCambiata);
+    connect(m, &MacchinaScheda::chiusuraRichiesta, this, [this] {
+        if (auto *sub = qobject_cast<QMdiSubWindow *>(parentWidget()))
+            sub->close();
+        else
+            close();
     });
 
     // The form's keys come before its controls see them.
@@ -158,8 +157,8 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
         connect(s, &QShortcut::activated, this, std::move(f));
     };
     const auto seAttivo = [this](const char *chiave) {
-        const QAction *a = pulsante(QLatin1String(chiave));
-        return a && a->isVisible() && a->isEnabled() && m_toolbar->isVisible();
+        const StatoPulsante s = m_macchina->pulsanti().value(QLatin1String(chiave));
+        return s.visibile && s.abilitato && m_macchina->toolbarVisibile();
     };
     tasto(QKeySequence(Qt::Key_Escape), [this, seAttivo] {
         if (seAttivo("annulla"))
@@ -171,6 +170,7 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
     });
     tasto(QKeySequence(Qt::Key_F1), [this] { tastoF1(); });
     tasto(QKeySequence(Qt::Key_F5), [this] { tastoF5(); });
+    mostraStato();
 }
 
 FormRecord::~FormRecord() = default;
@@ -201,7 +201,7 @@ QWidget *FormRecord::creaPannelloElenco()
     pannello->setObjectName(QStringLiteral("PicGrid"));
     m_griglia = new QTableView(pannello);
     m_griglia->setObjectName(QStringLiteral("grdDataGrid"));
-    m_griglia->setModel(m_elenco.get());
+    m_griglia->setModel(&datPrimaryRSGrd());
     m_griglia->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_griglia->setSelectionMode(QAbstractItemView::SingleSelection);
     m_griglia->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -287,15 +287,22 @@ void FormRecord::impostaCatalogoFiltri(const QVector<CasellaFiltro> &catalogo)
 
 void FormRecord::lega(QWidget *casella, const QString &campo, TipoCasellaScheda tipo)
 {
-    m_legami.append({casella, campo, tipo});
+    QPointer<QWidget> box(casella);
+    m_caselle.append(box);
+    m_macchina->lega({campo, tipo, [box, tipo] { return box ? valoreCasella(box, tipo) : QVariant(); },
+                      [box](const QVariant &v) {
+                          if (box)
+                              mostraValore(box, v);
+                      }});
 }
 
 void FormRecord::ImpostaCampi()
 {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const store::Recordset &rs = recordset();
-    for (const Legame &l : std::as_const(m_legami)) {
-        auto *e = qobject_cast<QLineEdit *>(l.casella.data());
+    for (qsizetype i = 0; i < m_caselle.size(); ++i) {
+        const CampoLegato &l = m_macchina->legami().at(i);
+        auto *e = qobject_cast<QLineEdit *>(m_caselle[i].data());
         const int c = rs.fieldIndex(l.campo);
         if (!e || c < 0)
             continue;
@@ -321,249 +328,65 @@ void FormRecord::ImpostaDidascalie()
     m_filtri->impostaDidascalie();
 }
 
-QString FormRecord::autorizzazione() const
+void FormRecord::mostraStato()
 {
-    return property("Tag").toString();
-}
-
-int FormRecord::pannelloVisibile() const
-{
-    return m_pannelli->currentIndex();
-}
-
-QString FormRecord::didascaliaRecord() const
-{
-    return m_posizione->text();
-}
-
-int FormRecord::idProprietario()
-{
-    store::Recordset &rs = recordset();
-    const int c = rs.fieldIndex(QStringLiteral("IdUtente"));
-    if (c < 0 || !rigaCorrente())
-        return -1;
-    const QVariant v = rs.value(c);
-    return v.isValid() ? v.toInt() : -1;
-}
-
-bool FormRecord::verificaInterna(const QString &)
-{
-    return true;
-}
-
-void FormRecord::attivata(bool) {}
-
-void FormRecord::fileRiletto()
-{
-    Riposiziona();
-}
-
-void FormRecord::bottoni(const QString &Azione)
-{
-    try {
-        // Rights first: a refusal ends here, told by the rights test itself.
-        if (Azione == QLatin1String("modifica") || Azione == QLatin1String("elimina")) {
-            if (!frame::AutorizzaOperazione(m_prompter, Azione, autorizzazione(), idProprietario()))
-                return;
-        } else if (Azione == QLatin1String("aggiungi")) {
-            if (!frame::AutorizzaOperazione(m_prompter, Azione, autorizzazione(), -1))
-                return;
-        }
-
-        if (Azione == QLatin1String("refresh")) {
-            azioneRefresh();
-        } else if (Azione == QLatin1String("gestione")) {
-            Gestione();
-        } else if (Azione == QLatin1String("attivazione")) {
-            Attivazione();
-        } else if (Azione == QLatin1String("aggiungi")) {
-            eseguiAggiungi();
-        } else if (Azione == QLatin1String("modifica")) {
-            store::Recordset &rs = recordset();
-            if (!rigaCorrente())
-                return;
-            Abilita();
-            abilitaPulsanti({QStringLiteral("aggiungi"), QStringLiteral("modifica"), QStringLiteral("elimina"),
-                             QStringLiteral("trova"), QStringLiteral("stampa")},
-                            false);
-            if (!verificaInterna(Azione)) {
-                applicaLayout(m_layout);
-                return;
-            }
-            if (QWidget *w = primaCasella())
-                w->setFocus();
-            rs.Edit();
-            MostraStato(TestoLingua("M0015"));
-            applicaLayout(Layout::Modifica);
-        } else if (Azione == QLatin1String("elimina")) {
-            eseguiElimina();
-        } else if (Azione == QLatin1String("trova")) {
-            apriFiltri(PannelloFiltro::Modo::Ricerca);
-        } else if (Azione == QLatin1String("stampa")) {
-            apriFiltri(PannelloFiltro::Modo::Stampa);
-        } else if (Azione == QLatin1String("ok")) {
-            eseguiOk();
-        } else if (Azione == QLatin1String("annulla")) {
-            eseguiAnnulla();
-        } else if (Azione == QLatin1String("esci")) {
-            if (!verificaInterna(Azione))
-                return;
-            if (auto *sub = qobject_cast<QMdiSubWindow *>(parentWidget()))
-                sub->close();
-            else
-                close();
-        }
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(m_prompter, e.message());
-    }
-}
-
-bool FormRecord::eseguiAggiungi()
-{
-    store::Recordset &rs = recordset();
-    Abilita();
-    abilitaPulsanti({QStringLiteral("modifica"), QStringLiteral("elimina"), QStringLiteral("trova"),
-                     QStringLiteral("stampa")},
-                    false);
-    if (QWidget *w = primaCasella(); w && w->isEnabled())
-        w->setFocus();
-    if (rs.editMode() == store::Recordset::EditMode::Edit)
-        rs.Update();
-    rs.AddNew();
-    m_posizione->setText(TestoLingua("M0216"));
-    LeggeDati();
-    impostaPredefiniti();
-    MostraStato(TestoLingua("M0014"));
-    applicaLayout(Layout::Modifica);
-    return true;
-}
-
-bool FormRecord::eseguiOk()
-{
-    store::Recordset &rs = recordset();
-    if (rs.editMode() != store::Recordset::EditMode::None) {
-        if (!convalida())
-            return false;
-        // The bound boxes reach the row only here, while the recordset adds or edits.
-        scriviCampi();
-        rs.Update(); // a failure throws: the form stays in its editing state
-        MostraStato(TestoLingua("M0017"));
-        rs.MoveLastModified();
-        ricaricaDettaglio(rs.key());
-    }
-    Disabilita();
-    applicaLayout(m_layout);
-    return true;
-}
-
-void FormRecord::eseguiAnnulla()
-{
-    if (!m_prompter.confirm(TestoLingua("M0048")))
-        return;
-    store::Recordset &rs = recordset();
-    const auto modo = rs.editMode();
-    Disabilita();
-    applicaLayout(m_layout);
-    if (modo == store::Recordset::EditMode::AddNew) {
-        rs.CancelUpdate();
-        MostraStato(TestoLingua("M0018"));
-        if (!rs.isEmpty()) {
-            rs.MoveLast();
-            rs.MoveLastModified();
-        }
-    } else if (modo == store::Recordset::EditMode::Edit) {
-        rs.CancelUpdate();
-        MostraStato(TestoLingua("M0019"));
-    }
-    Riposiziona();
-}
-
-void FormRecord::eseguiElimina()
-{
-    store::Recordset &rs = recordset();
-    if (!rigaCorrente())
-        return;
-    // Two questions, each with Cancel as its default, and both must be answered OK.
-    if (!m_prompter.confirm(TestoLingua("M0013")) || !m_prompter.confirm(TestoLingua("M0047")))
-        return;
-    rs.Delete();
-    rs.MoveNext();
-    if (rs.eof())
-        rs.MovePrevious();
-    const QVariant chiave = chiaveCorrente();
-    MostraStato(TestoLingua("M0016"));
-    ricaricaDettaglio(chiave);
-}
-
-void FormRecord::scriviCampi()
-{
-    store::Recordset &rs = recordset();
-    for (const Legame &l : std::as_const(m_legami))
-        if (l.casella && rs.fieldIndex(l.campo) >= 0)
-            rs.setValue(l.campo, valoreCasella(l.casella, l.tipo));
-}
-
-void FormRecord::LeggeDati()
-{
-    store::Recordset &rs = recordset();
-    const bool riga = rs.editMode() != store::Recordset::EditMode::None || rigaCorrente();
-    for (const Legame &l : std::as_const(m_legami))
-        if (l.casella)
-            mostraValore(l.casella, riga && rs.fieldIndex(l.campo) >= 0 ? rs.value(l.campo) : QVariant());
-}
-
-QWidget *FormRecord::primaCasella() const
-{
-    for (const Legame &l : m_legami)
-        if (l.casella)
-            return l.casella;
-    return nullptr;
-}
-
-void FormRecord::abilitaPulsanti(const QStringList &chiavi, bool abilitato)
-{
-    for (const QString &k : chiavi)
-        if (QAction *a = m_pulsanti.value(k))
-            a->setEnabled(abilitato);
-}
-
-void FormRecord::applicaLayout(Layout layout)
-{
-    const QHash<QString, StatoPulsante> stato = Pulsanti(layout, m_cfg.azioni);
+    const MacchinaScheda &m = *m_macchina;
+    const QHash<QString, StatoPulsante> stato = m.pulsanti();
     for (auto it = stato.constBegin(); it != stato.constEnd(); ++it) {
         if (QAction *a = m_pulsanti.value(it.key())) {
             a->setVisible(it->visibile);
             a->setEnabled(it->abilitato);
         }
     }
-    if (layout != Layout::Modifica)
-        m_layout = layout;
-    layoutCambiato(layout);
-}
-
-void FormRecord::Gestione()
-{
-    applicaLayout(Layout::Gestione);
-}
-
-void FormRecord::Attivazione()
-{
-    applicaLayout(m_cfg.attivazione ? Layout::Attivazione : Layout::Gestione);
-}
-
-void FormRecord::Abilita()
-{
     for (QWidget *p : std::as_const(m_pagine))
-        p->setEnabled(true);
+        p->setEnabled(m.pagineAbilitate());
+    if (!m.pagineAbilitate())
+        for (const QPointer<QWidget> &c : std::as_const(m_caselle))
+            if (c)
+                frame::ImpostaSfondo(c, frame::pub().ColoreCampo4);
+    m_filtri->impostaModo(m.modoFiltri() == MacchinaScheda::ModoFiltri::Stampa ? PannelloFiltro::Modo::Stampa
+                                                                               : PannelloFiltro::Modo::Ricerca);
+    m_pannelli->setCurrentIndex(int(m.pannello()));
+    m_toolbar->setVisible(m.toolbarVisibile());
+    m_posizione->setText(m.didascaliaRecord());
 }
 
-void FormRecord::Disabilita()
+void FormRecord::daiFuoco(MacchinaScheda::Fuoco dove)
 {
-    for (QWidget *p : std::as_const(m_pagine))
-        p->setEnabled(false);
-    for (const Legame &l : std::as_const(m_legami))
-        if (l.casella)
-            frame::ImpostaSfondo(l.casella, frame::pub().ColoreCampo4);
+    switch (dove) {
+    case MacchinaScheda::Fuoco::PrimaCasella:
+        if (QWidget *w = primaCasella(); w && w->isEnabled())
+            w->setFocus();
+        break;
+    case MacchinaScheda::Fuoco::Filtri:
+        if (QLineEdit *primo = m_filtri->casella(0))
+            primo->setFocus();
+        break;
+    case MacchinaScheda::Fuoco::Griglia:
+        if (!m_griglia->currentIndex().isValid())
+            m_griglia->setCurrentIndex(datPrimaryRSGrd().index(0, 0));
+        m_griglia->setFocus();
+        break;
+    }
+}
+
+void FormRecord::elencoRiaperto()
+{
+    // The sort choice lists the columns of the new list.
+    RecordsetModel &elenco = datPrimaryRSGrd();
+    const QString scelto = m_cmbOrdinamento->currentText();
+    m_cmbOrdinamento->clear();
+    for (int c = 0; c < elenco.columnCount(); ++c)
+        m_cmbOrdinamento->addItem(elenco.headerData(c, Qt::Horizontal).toString(), c);
+    m_cmbOrdinamento->setCurrentIndex(m_cmbOrdinamento->findText(scelto));
+}
+
+QWidget *FormRecord::primaCasella() const
+{
+    for (const QPointer<QWidget> &c : m_caselle)
+        if (c)
+            return c;
+    return nullptr;
 }
 
 void FormRecord::NonAutorizzato()
@@ -581,122 +404,22 @@ void FormRecord::Autorizzato()
         m_velo->hide();
 }
 
-void FormRecord::vaiA(qint64 posizione)
-{
-    store::Recordset &rs = recordset();
-    if (rs.editMode() != store::Recordset::EditMode::None || posizione == rs.AbsolutePosition())
-        return;
-    if (rs.setAbsolutePosition(posizione))
-        Riposiziona();
-}
-
-void FormRecord::Riposiziona()
-{
-    store::Recordset &rs = recordset();
-    const bool valida = rigaCorrente();
-    if (valida) {
-        m_pannelli->setCurrentIndex(Dettaglio);
-        Abilita();
-        LeggeDati();
-    }
-    m_posizione->setText(QStringLiteral("Reg. ") + (valida ? QString::number(rs.AbsolutePosition() + 1) : QString()));
-    emit posizioneCambiata(valida ? rs.AbsolutePosition() : -1);
-}
-
-void FormRecord::apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave,
-                               store::RowCounter contatore)
-{
-    m_dettaglio->riapri(sql, parametri, std::move(contatore));
-    posizionaDettaglio(chiave);
-}
-
-void FormRecord::ricaricaDettaglio(const QVariant &chiave)
-{
-    m_dettaglio->aggiorna();
-    posizionaDettaglio(chiave);
-}
-
-void FormRecord::posizionaDettaglio(const QVariant &chiave)
-{
-    store::Recordset &rs = recordset();
-    const int riga = chiave.isValid() ? m_dettaglio->posizione(chiave) : -1;
-    if (riga >= 0)
-        rs.setAbsolutePosition(riga);
-    else if (!rs.isEmpty())
-        rs.MoveFirst();
-    Riposiziona();
-}
-
-void FormRecord::CaricaGriglia(const QString &Ordine)
-{
-    m_ordine = Ordine;
-    m_elenco->riapri(QueryGriglia(m_cfg.tabella, m_where, Ordine, m_cfg.ordinePredefinito));
-    // The sort choice lists the columns of the new list.
-    const QString scelto = m_cmbOrdinamento->currentText();
-    m_cmbOrdinamento->clear();
-    for (int c = 0; c < m_elenco->columnCount(); ++c)
-        m_cmbOrdinamento->addItem(m_elenco->headerData(c, Qt::Horizontal).toString(), c);
-    m_cmbOrdinamento->setCurrentIndex(m_cmbOrdinamento->findText(scelto));
-}
-
 void FormRecord::ordinaElenco(int colonna)
 {
-    if (colonna < 0)
-        return;
-    const QString campo = m_elenco->campo(colonna);
-    if (campo.isEmpty())
-        return;
-    MostraStato(TestoLingua("M0011"));
-    try {
-        CaricaGriglia(OrdineColonna(campo, m_chkOrdinamento->isChecked()));
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(m_prompter, e.message());
-    }
-    MostraStato(QString());
+    if (colonna >= 0)
+        m_macchina->ordinaElenco(datPrimaryRSGrd().campo(colonna), m_chkOrdinamento->isChecked());
 }
 
 void FormRecord::PosizionaRecord()
 {
     const QModelIndex i = m_griglia->currentIndex();
-    const QVariant chiave = i.isValid() ? m_elenco->chiave(i.row()) : QVariant();
-    if (!chiave.isValid())
-        return;
-    try {
-        const int riga = m_dettaglio->posizione(chiave);
-        if (riga >= 0) {
-            recordset().setAbsolutePosition(riga);
-            Riposiziona();
-        } else {
-            // The detail source doesn't hold the row: it takes the list's rows, and finds it there.
-            apriDettaglio(m_elenco->sql(), {}, chiave);
-        }
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(m_prompter, e.message());
-    }
-    Command5();
-}
-
-void FormRecord::apriFiltri(PannelloFiltro::Modo modo)
-{
-    m_filtri->impostaModo(modo);
-    m_pannelli->setCurrentIndex(Filtri);
-    m_toolbar->hide();
-    if (QLineEdit *primo = m_filtri->casella(0))
-        primo->setFocus();
-}
-
-void FormRecord::Command5()
-{
-    m_pannelli->setCurrentIndex(Dettaglio);
-    m_toolbar->show();
-    m_toolbar->setEnabled(true);
-    if (m_cfg.attivazione)
-        Attivazione();
+    m_macchina->PosizionaRecord(i.isValid() ? datPrimaryRSGrd().chiave(i.row()) : QVariant());
 }
 
 void FormRecord::Command6()
 {
-    const Filtro f = CostruisciFiltro(m_cfg.tabella, m_filtri->caselle(), m_filtri->modoConfronto(), m_prompter);
+    const Filtro f = CostruisciFiltro(m_macchina->configurazione().tabella, m_filtri->caselle(), m_filtri->modoConfronto(),
+                                      prompter());
     if (!f.valido) {
         if (QLineEdit *e = m_filtri->casella(f.casellaErrata, f.erroreNelLimiteAl))
             e->setFocus();
@@ -704,75 +427,15 @@ void FormRecord::Command6()
     }
     if (m_filtri->modo() == PannelloFiltro::Modo::Stampa) {
         MostraStato(QString());
-        StampaFiltro(m_report, f, reports::CrystalReport::ToWindow, m_cfg.modelloStampa, m_cfg.chiaveTitoloStampa);
+        StampaFiltro(m_report, f, reports::CrystalReport::ToWindow, m_macchina->configurazione().modelloStampa,
+                     m_macchina->configurazione().chiaveTitoloStampa);
         return;
     }
-    m_where = f.where;
-    try {
-        const QString ordine = m_cmbOrdinamento->currentIndex() >= 0
-                                   ? OrdineColonna(m_elenco->campo(m_cmbOrdinamento->currentData().toInt()),
-                                                   m_chkOrdinamento->isChecked())
-                                   : QString();
-        CaricaGriglia(ordine);
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(m_prompter, e.message());
-        return;
-    }
-    const qint64 righe = almeno(*m_elenco, 2) ? 2 : m_elenco->recordset().rowsRead();
-    switch (EsitoElenco(righe, m_filtri->chkAuto(), m_prompter)) {
-    case EsitoRicerca::Posiziona:
-        m_griglia->setCurrentIndex(m_elenco->index(0, 0));
-        PosizionaRecord();
-        break;
-    case EsitoRicerca::NessunaRiga:
-        break;
-    case EsitoRicerca::MostraElenco:
-        m_pannelli->setCurrentIndex(Elenco);
-        m_griglia->setCurrentIndex(m_elenco->index(0, 0));
-        m_griglia->setFocus();
-        break;
-    }
-}
-
-void FormRecord::CmdElencoPrec()
-{
-    if (!almeno(*m_elenco, 2)) {
-        m_prompter.message(TestoLingua(m_cfg.chiaveNessunElenco), frame::Prompter::Icon::Stop);
-        return;
-    }
-    m_pannelli->setCurrentIndex(Elenco);
-    m_griglia->setFocus();
-}
-
-void FormRecord::CmdRefresh()
-{
-    try {
-        m_elenco->aggiorna();
-    } catch (const store::DbError &e) {
-        frame::MostraErrore(m_prompter, e.message());
-    }
-}
-
-bool FormRecord::rigaCorrente()
-{
-    store::Recordset &rs = recordset();
-    return !rs.bof() && !rs.eof();
-}
-
-QVariant FormRecord::chiaveCorrente()
-{
-    return rigaCorrente() ? recordset().key() : QVariant();
-}
-
-void FormRecord::mostraDettaglio()
-{
-    m_pannelli->setCurrentIndex(Dettaglio);
-    m_toolbar->show();
-}
-
-void FormRecord::CmdFitriGrid()
-{
-    m_pannelli->setCurrentIndex(Filtri);
+    const QString ordine = m_cmbOrdinamento->currentIndex() >= 0
+                               ? OrdineColonna(datPrimaryRSGrd().campo(m_cmbOrdinamento->currentData().toInt()),
+                                               m_chkOrdinamento->isChecked())
+                               : QString();
+    m_macchina->applicaFiltro(f.where, ordine, m_filtri->chkAuto());
 }
 
 void FormRecord::keyPressEvent(QKeyEvent *event)
@@ -793,14 +456,14 @@ void FormRecord::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
-        attivata(frame::AutorizzaOperazione(m_prompter, QStringLiteral("gestioneaccessi"), autorizzazione(), -1));
+        m_macchina->attivata();
 }
 
 bool FormRecord::event(QEvent *event)
 {
     if (event->type() == QEvent::DynamicPropertyChange
         && static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() == "Tag")
-        attivata(frame::AutorizzaOperazione(m_prompter, QStringLiteral("gestioneaccessi"), autorizzazione(), -1));
+        m_macchina->impostaAutorizzazione(property("Tag").toString());
     if (event->type() == QEvent::Resize && m_velo && m_velo->isVisible())
         m_velo->setGeometry(m_dettaglioPagina->rect());
     return QWidget::event(event);

@@ -3,8 +3,7 @@
 #include "PannelloFiltro.h"
 
 #include <CrystalReport.h>
-#include <RecordsetModel.h>
-#include <Scheda.h>
+#include <MacchinaScheda.h>
 
 #include <QHash>
 #include <QPointer>
@@ -24,23 +23,11 @@ class Prompter;
 
 namespace forms {
 
-// What tells one record form from another: its data and what its table offers.
-struct ConfigurazioneScheda {
-    QString tabella;            // table or query of the form, the prefix of the filter's fields
-    QString sorgenteIniziale;   // the detail panel's first source
-    QString ordinePredefinito;  // the list's default order text, with its " order by ", or ""
-    QStringList azioni;         // the toolbar keys the table offers
-    const char *chiaveNessunElenco = "M0009"; // CmdElencoPrec with no earlier list
-    bool attivazione = false;   // the form has the operation layout
-    QString modelloStampa = QStringLiteral("Elenco"); // the list template of the print mode
-    const char *chiaveTitoloStampa = "M0327";          // and its title
-};
-
-// The record form machine: a detail panel on the form's recordset (datPrimaryRS),
-// a list panel on a second one (datPrimaryRSGrd), the filter panel, a toolbar of
-// keyed buttons, and the one routine `bottoni` behind all of them. A concrete
-// window gives its detail page, its field catalogue, its bound boxes and its hooks.
-class FormRecord : public QWidget {
+// The window of the record form machine (MacchinaScheda): the detail panel, the
+// list panel, the filter panel and the toolbar of keyed buttons, showing the
+// machine's state and forwarding keys and clicks to it. A concrete window gives
+// its detail page, its field catalogue, its bound boxes and its hooks.
+class FormRecord : public QWidget, protected MacchinaScheda::Ganci {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(FormRecord)
 
@@ -48,37 +35,35 @@ public:
     ~FormRecord() override;
 
     // Every action of the form: a toolbar key, "refresh", "gestione" or "attivazione".
-    void bottoni(const QString &Azione);
-    void Gestione();
-    void Attivazione();
-    void Abilita();
-    void Disabilita();
+    void bottoni(const QString &Azione) { m_macchina->bottoni(Azione); }
+    void Gestione() { m_macchina->Gestione(); }
+    void Attivazione() { m_macchina->Attivazione(); }
     void NonAutorizzato();
     void Autorizzato();
     // Makes current, in the detail panel, the row picked in the list, and leaves the list.
     void PosizionaRecord();
-    void CaricaGriglia(const QString &Ordine);
     // The buttons of the filter and list panels.
-    void Command5();
+    void Command5() { m_macchina->Command5(); }
     void Command6();
-    void CmdElencoPrec();
-    void CmdRefresh();
-    void CmdFitriGrid();
+    void CmdElencoPrec() { m_macchina->CmdElencoPrec(); }
+    void CmdRefresh() { m_macchina->CmdRefresh(); }
+    void CmdFitriGrid() { m_macchina->CmdFitriGrid(); }
 
-    RecordsetModel &datPrimaryRS() { return *m_dettaglio; }
-    RecordsetModel &datPrimaryRSGrd() { return *m_elenco; }
-    store::Recordset &recordset() { return m_dettaglio->recordset(); }
+    MacchinaScheda &macchina() { return *m_macchina; }
+    RecordsetModel &datPrimaryRS() { return m_macchina->datPrimaryRS(); }
+    RecordsetModel &datPrimaryRSGrd() { return m_macchina->datPrimaryRSGrd(); }
+    store::Recordset &recordset() { return m_macchina->recordset(); }
     QAction *pulsante(const QString &chiave) const { return m_pulsanti.value(chiave); }
     QTableView *grdDataGrid() const { return m_griglia; }
     PannelloFiltro *filtri() const { return m_filtri; }
-    Layout layout() const { return m_layout; }
-    const QString &where() const { return m_where; }
+    Layout layout() const { return m_macchina->layout(); }
+    const QString &where() const { return m_macchina->where(); }
     // The rights letter of the user, as the menu wrote it into the "Tag" property.
-    QString autorizzazione() const;
+    QString autorizzazione() const { return m_macchina->autorizzazione(); }
     // The panel in front: 0 the detail, 1 the list, 2 the filters.
-    int pannelloVisibile() const;
+    int pannelloVisibile() const { return int(m_macchina->pannello()); }
     // The detail panel's record caption: "Reg. " and the position.
-    QString didascaliaRecord() const;
+    QString didascaliaRecord() const { return m_macchina->didascaliaRecord(); }
 
 signals:
     // The detail recordset stands on another row (or on none, -1).
@@ -97,36 +82,39 @@ protected:
     void ImpostaCampi();
     void ImpostaDidascalie();
     // Moves the detail recordset to a row and runs the reposition event.
-    void vaiA(qint64 posizione);
+    void vaiA(qint64 posizione) { m_macchina->vaiA(posizione); }
     // The reposition event: shows the row in the detail panel.
-    void Riposiziona();
+    void Riposiziona() { m_macchina->Riposiziona(); }
     // Opens the detail source on another query and puts the current row on `chiave` if it is there.
     void apriDettaglio(const QString &sql, const QVariantList &parametri, const QVariant &chiave = QVariant(),
-                       store::RowCounter contatore = {});
+                       store::RowCounter contatore = {})
+    {
+        m_macchina->apriDettaglio(sql, parametri, chiave, std::move(contatore));
+    }
     // Reads the detail source again, staying on the row with `chiave` if it is still there.
-    void ricaricaDettaglio(const QVariant &chiave);
-    frame::Prompter &prompter() { return m_prompter; }
+    void ricaricaDettaglio(const QVariant &chiave) { m_macchina->ricaricaDettaglio(chiave); }
+    frame::Prompter &prompter() { return m_macchina->prompter(); }
     // Whether the detail recordset stands on a row, and that row's key (invalid when none).
-    bool rigaCorrente();
-    QVariant chiaveCorrente();
+    bool rigaCorrente() { return m_macchina->rigaCorrente(); }
+    QVariant chiaveCorrente() { return m_macchina->chiaveCorrente(); }
     // Brings the detail panel in front of the list and the filters.
-    void mostraDettaglio();
+    void mostraDettaglio() { m_macchina->mostraDettaglio(); }
+    void Abilita() { m_macchina->abilitaPagine(true); }
 
-    // The concrete form's part of the machine.
-    virtual bool verificaInterna(const QString &azione);
-    virtual void impostaPredefiniti() {}
-    virtual bool convalida() { return true; }
-    virtual void LeggeDati();
-    virtual void azioneRefresh() {}
+    // The concrete form's part of the machine, by default nothing of its own.
+    bool verificaInterna(const QString &) override { return true; }
+    void impostaPredefiniti() override {}
+    bool convalida() override { return true; }
+    void LeggeDati() override { m_macchina->mostraCampi(); }
+    void azioneRefresh() override {}
+    void attivata(bool) override {}
+    // A form with an operation panel shows or hides it.
+    void layoutCambiato(Layout) override {}
+    // The record shown is read afresh.
+    void fileRiletto() override { Riposiziona(); }
     // The quick-search key (F1) and the new-entry key (F5), on windows that have them.
     virtual void tastoF1() {}
     virtual void tastoF5() {}
-    // The form was activated; the rights letter may have changed.
-    virtual void attivata(bool gestioneAccessi);
-    // The layout changed: a form with an operation panel shows or hides it.
-    virtual void layoutCambiato(Layout) {}
-    // The file was read again after a backup, restore or compaction: the record shown is read afresh.
-    virtual void fileRiletto();
 
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -136,33 +124,15 @@ protected:
     reports::CrystalReport m_report;
 
 private:
-    struct Legame {
-        QPointer<QWidget> casella;
-        QString campo;
-        TipoCasellaScheda tipo;
-    };
-
     void creaToolbar();
     QWidget *creaPannelloElenco();
-    void applicaLayout(Layout layout);
-    void abilitaPulsanti(const QStringList &chiavi, bool abilitato);
-    void apriFiltri(PannelloFiltro::Modo modo);
+    void mostraStato();
+    void daiFuoco(MacchinaScheda::Fuoco dove);
+    void elencoRiaperto();
     void ordinaElenco(int colonna);
-    void scriviCampi();
-    void posizionaDettaglio(const QVariant &chiave);
-    bool eseguiAggiungi();
-    bool eseguiOk();
-    void eseguiAnnulla();
-    void eseguiElimina();
     QWidget *primaCasella() const;
-    int idProprietario();
 
-    frame::Prompter &m_prompter;
-    ConfigurazioneScheda m_cfg;
-    QString m_where;
-    QString m_ordine;
-    Layout m_layout = Layout::Gestione; // the last layout outside editing, where "ok" and "annulla" return
-
+    std::unique_ptr<MacchinaScheda> m_macchina;
     QToolBar *m_toolbar;
     QHash<QString, QAction *> m_pulsanti;
     QStackedWidget *m_pannelli;
@@ -174,9 +144,7 @@ private:
     QTableView *m_griglia;
     QCheckBox *m_chkOrdinamento;
     QComboBox *m_cmbOrdinamento;
-    std::unique_ptr<RecordsetModel> m_dettaglio;
-    std::unique_ptr<RecordsetModel> m_elenco;
-    QVector<Legame> m_legami;
+    QList<QPointer<QWidget>> m_caselle; // the bound boxes, in the order bound
 };
 
 } // namespace forms
