@@ -54,7 +54,7 @@ bool PasswordEsatta(const QString &digitata)
 
 EsitoVerifica VerificaLogin(store::Database &db, Prompter &prompter, const QString &nome, const QString &password)
 {
-    store::Recordset rs(db, QStringLiteral("select * from Autorizzazioni where utente = ") + ApiciSQL(nome));
+    store::Recordset rs(db, QStringLiteral("select * from Autorizzazioni where utente = ?"), {nome});
     if (rs.isEmpty()) {
         prompter.message(TestoLingua("M0101"), Prompter::Icon::Critical);
         return EsitoVerifica::UtenteSconosciuto;

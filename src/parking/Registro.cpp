@@ -23,14 +23,16 @@ QDateTime OraDiSistema()
 }
 
 QVariant LeggiProgressivo(const QString &Tabella, const QString &Campo, const QString &Condizione,
-                          const QString & /*Azienda: one company per database*/, bool Aggiorna, frame::Prompter &prompter)
+                          const QString & /*Azienda: one company per database*/, bool Aggiorna, frame::Prompter &prompter,
+                          const QVariantList &Parametri)
 {
     try {
         const QString where = Condizione.isEmpty() ? QString() : QStringLiteral(" Where ") + Condizione;
         const bool contatore = Tabella.toUpper() == QLatin1String("TABPROGRESSIVI");
         store::Recordset rs(frame::basedati(), contatore
                                                    ? QStringLiteral("select * from ") + Tabella + where
-                                                   : QStringLiteral("select Max(") + Campo + QStringLiteral(") as Massimo from ") + Tabella + where);
+                                                   : QStringLiteral("select Max(") + Campo + QStringLiteral(") as Massimo from ") + Tabella + where,
+                            Parametri);
         QVariant risultato = 0;
         if (!rs.isEmpty()) {
             rs.MoveFirst();
@@ -161,22 +163,21 @@ EsitoEntraEsce entrata(store::Recordset &rs, bool Variazione, PannelloMovimento 
     rs.setValue(QStringLiteral("IdUtenteout"), QVariant());
 
     if (!Variazione) {
-        const QString condizione = QStringLiteral("anno=") + frame::ApiciSQL(pub().AnnoEsercizio);
+        const QString condizione = QStringLiteral("anno = ?");
+        const QVariantList anno{pub().AnnoEsercizio};
         // The counter is committed here, before the row: a number not used later is lost.
-        const qint64 numero =
-            LeggiProgressivo(QStringLiteral("TabProgressivi"), QStringLiteral("Progressivo"), condizione, QString(), true, prompter)
-                .toLongLong()
-            + 1;
+        const qint64 numero = LeggiProgressivo(QStringLiteral("TabProgressivi"), QStringLiteral("Progressivo"), condizione,
+                                               QString(), true, prompter, anno)
+                                  .toLongLong()
+                              + 1;
         rs.setValue(QStringLiteral("progressivo"), numero);
         rs.setValue(QStringLiteral("Anno"), pub().AnnoEsercizio);
-        const QVariant usato = frame::LeggiCampoSQL(QStringLiteral("select id from movimentazioni where progressivo = ")
-                                                        + QString::number(numero) + QStringLiteral(" and Anno = ")
-                                                        + frame::ApiciSQL(pub().AnnoEsercizio),
-                                                    QStringLiteral("id"));
+        const QVariant usato = frame::basedati().scalar(
+            QStringLiteral("select id from movimentazioni where progressivo = ? and Anno = ?"), {numero, pub().AnnoEsercizio});
         if (usato.isValid()) {
             rs.CancelUpdate();
             const QVariant massimo = LeggiProgressivo(QStringLiteral("movimentazioni"), QStringLiteral("Progressivo"),
-                                                      condizione, QString(), true, prompter);
+                                                      condizione, QString(), true, prompter, anno);
             prompter.information(TestoLingua("M0067") + QStringLiteral("\n\n") + TestoLingua("M0068") + QLatin1Char('\n')
                                  + TestoLingua("M0069") + QLatin1Char('\n') + TestoLingua("M0070") + QLatin1Char(' ')
                                  + massimo.toString());

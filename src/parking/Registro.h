@@ -66,11 +66,12 @@ bool RigaCorrente(store::Recordset &rs);
 bool PannelloDellaRiga(store::Recordset &rs, const PannelloMovimento &pannello);
 
 // The last number of a counter, or the highest value in use, read through
-// `Condizione`. With `Aggiorna` on the counter table the counter is advanced
-// by one and committed before returning the value it had. -1 after a failure,
-// which is shown as M0079.
+// `Condizione`, whose '?' marks take `Parametri`. With `Aggiorna` on the counter
+// table the counter is advanced by one and committed before returning the value
+// it had. -1 after a failure, which is shown as M0079.
 QVariant LeggiProgressivo(const QString &Tabella, const QString &Campo, const QString &Condizione,
-                          const QString &Azienda, bool Aggiorna, frame::Prompter &prompter);
+                          const QString &Azienda, bool Aggiorna, frame::Prompter &prompter,
+                          const QVariantList &Parametri = {});
 
 // Vehicles inside: entered, not cancelled.
 qint32 VeicoliDentro();

@@ -93,7 +93,7 @@ bool CalcolaImporto(store::Recordset &rs, store::Database &db, frame::Prompter &
         prompter.stop(frame::TestoLingua(chiave));
         return false;
     };
-    store::Recordset banda(db, QStringLiteral("select * from fascia where id= ") + frame::ApiciSQL(rs.value(QStringLiteral("idfascia"))));
+    store::Recordset banda(db, QStringLiteral("select * from fascia where id = ?"), {rs.value(QStringLiteral("idfascia"))});
     if (banda.isEmpty())
         return rifiuta("M0065");
     banda.MoveFirst();
