@@ -3,6 +3,7 @@
 
 #include <Currency.h>
 #include <DbError.h>
+#include <Prompter.h>
 #include <Routines.h>
 
 #include <QBrush>
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <limits>
 #include <utility>
 
 namespace forms {
@@ -58,6 +60,7 @@ void RecordsetModel::apri(const QString &sql, const QVariantList &params)
         contatore.before = nullptr;
     auto rs = std::make_unique<store::Recordset>(m_db, sql, params, contatore);
     beginResetModel();
+    m_nuova.reset(); // a pending row goes with the list it was typed in
     m_rs = std::move(rs);
     m_sql = sql;
     m_params = params;
@@ -153,6 +156,11 @@ void RecordsetModel::impostaColonne(const QStringList &campi)
     m_campiScelti = campi;
     ricalcolaColonne();
     endResetModel();
+}
+
+const store::FieldInfo *RecordsetModel::campoDi(int colonna) const
+{
+    return colonna >= 0 && colonna < m_colonne.size() ? &m_rs->fields()[m_colonne[colonna]] : nullptr;
 }
 
 QString RecordsetModel::campo(int c) const
@@ -271,7 +279,7 @@ qint64 RecordsetModel::caricaTutto()
 
 int RecordsetModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_righe;
+    return parent.isValid() ? 0 : m_righe + (m_nuova ? 1 : 0);
 }
 
 int RecordsetModel::columnCount(const QModelIndex &parent) const
@@ -342,7 +350,7 @@ QVariant RecordsetModel::testo(const store::FieldInfo &f, const QVariant &v) con
 
 QVariant RecordsetModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_righe || index.column() >= m_colonne.size())
+    if (!index.isValid() || index.row() >= rowCount() || index.column() >= m_colonne.size())
         return {};
     const int c = m_colonne[index.column()];
     const store::FieldInfo &f = m_rs->fields()[c];
@@ -375,6 +383,14 @@ QVariant RecordsetModel::data(const QModelIndex &index, int role) const
         return {};
     }
 
+    if (index.row() == rigaNuova()) {
+        if (role == Qt::BackgroundRole || role == Qt::ForegroundRole)
+            return {};
+        const QVariant v = m_nuova->value(c);
+        if (role == Qt::CheckStateRole)
+            return v.toBool() ? Qt::Checked : Qt::Unchecked;
+        return role == RuoloValore ? v : testo(f, v);
+    }
     QVariant out;
     try {
         m_rs->peek(index.row(), [&](const store::Recordset &rs) {
@@ -419,7 +435,151 @@ Qt::ItemFlags RecordsetModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::NoItemFlags;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    Qt::ItemFlags f = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    if (!modificabile() || index.column() >= m_colonne.size())
+        return f;
+    // Fields of the table written, not joined ones; a counter key is the engine's to give.
+    const store::FieldInfo &campo = m_rs->fields()[m_colonne[index.column()]];
+    if (campo.table.compare(m_rs->baseTable(), Qt::CaseInsensitive) == 0 && campo.kind != store::FieldKind::Counter)
+        f |= Qt::ItemIsEditable;
+    return f;
+}
+
+void RecordsetModel::impostaModifica(frame::Prompter &prompter, Convalida convalida, Completa completa)
+{
+    m_prompter = &prompter;
+    m_convalida = std::move(convalida);
+    m_completa = std::move(completa);
+}
+
+void RecordsetModel::errore(const store::DbError &e)
+{
+    frame::MostraErrore(*m_prompter, e.message());
+}
+
+bool RecordsetModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable))
+        return false;
+    const int c = m_colonne[index.column()];
+    QVariant v = value;
+    if (m_convalida && !m_convalida(m_rs->fields()[c].name, v))
+        return false; // refused, told by the check: the cell stays in edit
+    if (index.row() == rigaNuova()) {
+        (*m_nuova)[c] = v;
+    } else if (!scriviCella(index.row(), c, v)) {
+        return false;
+    }
+    emit dataChanged(this->index(index.row(), 0), this->index(index.row(), columnCount() - 1));
+    return true;
+}
+
+bool RecordsetModel::scriviCella(int riga, int campo, const QVariant &valore)
+{
+    store::Recordset &rs = *m_rs;
+    if (rs.editMode() != store::Recordset::EditMode::None)
+        return false; // the row is being written elsewhere: the grid waits
+    const qint64 prima = rs.AbsolutePosition();
+    try {
+        if (!rs.setAbsolutePosition(riga))
+            return false;
+        rs.Edit();
+        rs.setValue(campo, valore);
+        rs.Update();
+    } catch (const store::DbError &e) {
+        rs.CancelUpdate();
+        if (prima >= 0)
+            rs.setAbsolutePosition(prima);
+        errore(e);
+        return false;
+    }
+    if (prima >= 0)
+        rs.setAbsolutePosition(prima);
+    return true;
+}
+
+bool RecordsetModel::insertRows(int row, int count, const QModelIndex &parent)
+{
+    if (parent.isValid() || count != 1 || !modificabile() || m_nuova || m_rs->editMode() != store::Recordset::EditMode::None)
+        return false;
+    try {
+        // The new row goes after every row of the set, so all of them are made known first.
+        m_rs->readTo(std::numeric_limits<qint64>::max());
+        caricaTutto();
+    } catch (const store::DbError &e) {
+        errore(e);
+        return false;
+    }
+    if (row != m_righe)
+        return false;
+    beginInsertRows(QModelIndex(), m_righe, m_righe);
+    m_nuova.emplace();
+    endInsertRows();
+    return true;
+}
+
+bool RecordsetModel::scriviNuova()
+{
+    if (!m_nuova)
+        return true;
+    store::Recordset &rs = *m_rs;
+    const qint64 prima = rs.AbsolutePosition();
+    try {
+        rs.AddNew();
+        for (auto it = m_nuova->constBegin(); it != m_nuova->constEnd(); ++it)
+            rs.setValue(it.key(), it.value());
+        if (m_completa)
+            m_completa(rs);
+        rs.Update();
+    } catch (const store::DbError &e) {
+        rs.CancelUpdate();
+        errore(e);
+        return false; // still pending, as typed
+    }
+    // The written row stands where the pending one stood: the count of rows is the same.
+    m_nuova.reset();
+    ++m_righe;
+    if (prima >= 0)
+        rs.setAbsolutePosition(prima);
+    emit dataChanged(index(m_righe - 1, 0), index(m_righe - 1, columnCount() - 1));
+    return true;
+}
+
+void RecordsetModel::scartaNuova()
+{
+    if (!m_nuova)
+        return;
+    beginRemoveRows(QModelIndex(), m_righe, m_righe);
+    m_nuova.reset();
+    endRemoveRows();
+}
+
+bool RecordsetModel::removeRows(int row, int count, const QModelIndex &parent)
+{
+    if (parent.isValid() || count != 1 || !modificabile())
+        return false;
+    if (row == rigaNuova()) {
+        scartaNuova();
+        return true;
+    }
+    store::Recordset &rs = *m_rs;
+    if (row < 0 || row >= m_righe || rs.editMode() != store::Recordset::EditMode::None)
+        return false;
+    const qint64 prima = rs.AbsolutePosition();
+    try {
+        if (!rs.setAbsolutePosition(row))
+            return false;
+        rs.Delete();
+    } catch (const store::DbError &e) {
+        errore(e);
+        return false;
+    }
+    beginRemoveRows(QModelIndex(), row, row);
+    --m_righe;
+    endRemoveRows();
+    if (prima >= 0 && prima != row)
+        rs.setAbsolutePosition(prima > row ? prima - 1 : prima);
+    return true;
 }
 
 QVariant sfondoMovimento(const store::Recordset &rs)

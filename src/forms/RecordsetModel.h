@@ -8,6 +8,14 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+
+namespace frame {
+class Prompter;
+}
+namespace store {
+class DbError;
+}
 
 namespace forms {
 
@@ -55,6 +63,8 @@ public:
     // The fields shown, in this order; an empty list shows every field of the query.
     void impostaColonne(const QStringList &campi);
     QString campo(int colonna) const;
+    // The field shown in a column, nullptr when there is none.
+    const store::FieldInfo *campoDi(int colonna) const;
     int colonna(const QString &campo) const; // -1 when the field is not shown
     // A Qt date-time format for a date field, instead of the program's date format.
     void impostaFormato(const QString &campo, const QString &formato);
@@ -79,11 +89,29 @@ public:
     // Rows the recordset has read from the database so far.
     qint64 righeLette() const { return m_rs->rowsRead(); }
 
+    // Editing in the grid, off until asked. A cell written goes straight to its
+    // row; a new row stays pending at the end until scriviNuova. A failed write is
+    // told through the prompter and leaves the cell or the pending row as typed.
+    // The check may change a value (an empty number to 0) or refuse it, telling why;
+    // the completion fills what a new row needs before it is written.
+    using Convalida = std::function<bool(const QString &campo, QVariant &valore)>;
+    using Completa = std::function<void(store::Recordset &rs)>;
+    void impostaModifica(frame::Prompter &prompter, Convalida convalida = {}, Completa completa = {});
+    bool modificabile() const { return m_prompter != nullptr; }
+    // The pending new row, -1 when there is none.
+    int rigaNuova() const { return m_nuova ? m_righe : -1; }
+    bool scriviNuova();
+    void scartaNuova();
+
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
+    // One row at the end, pending until written; or rows deleted from the table.
+    bool insertRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
+    bool removeRows(int row, int count, const QModelIndex &parent = QModelIndex()) override;
     bool canFetchMore(const QModelIndex &parent = QModelIndex()) const override;
     void fetchMore(const QModelIndex &parent = QModelIndex()) override;
 
@@ -101,6 +129,8 @@ private:
     void primaPagina();
     void ricalcolaColonne();
     QVariant testo(const store::FieldInfo &f, const QVariant &valore) const;
+    bool scriviCella(int riga, int campo, const QVariant &valore);
+    void errore(const store::DbError &e);
 
     store::Database &m_db;
     QString m_sqlBase;
@@ -119,6 +149,10 @@ private:
     SiNo m_siNo = SiNo::Spunta;
     QString m_si, m_no;
     FunzioneColore m_sfondo, m_testo;
+    frame::Prompter *m_prompter = nullptr;
+    Convalida m_convalida;
+    Completa m_completa;
+    std::optional<QHash<int, QVariant>> m_nuova; // values of the pending row, by field
     store::Database::Subscription m_ascolto; // last: it goes first
 };
 

@@ -871,9 +871,11 @@ void Recordset::Update()
             QStringList sets;
             for (const QString &n : names)
                 sets << n + QStringLiteral(" = ?");
-            m_db.execute(QStringLiteral("update %1 set %2 where %3 = ?")
-                             .arg(quoteName(m_baseTable), sets.join(QLatin1Char(',')), quoteName(m_baseKey)),
-                         values + QVariantList{key});
+            const int changed = m_db.execute(QStringLiteral("update %1 set %2 where %3 = ?")
+                                                 .arg(quoteName(m_baseTable), sets.join(QLatin1Char(',')), quoteName(m_baseKey)),
+                                             values + QVariantList{key});
+            if (changed == 0)
+                throw DbError(SQLITE_NOTFOUND, QStringLiteral("The record is no longer there: it was deleted elsewhere, and nothing was written."));
         }
         if (m_dirty[m_keyColumn])
             (m_pos < m_keys.size() ? m_keys[m_pos] : m_run[m_pos - m_runBase]) = key = m_buffer[m_keyColumn];

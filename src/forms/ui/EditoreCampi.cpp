@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "EditoreCampi.h"
+
+#include <CasellaData.h>
+#include <CasellaTesto.h>
+#include <Currency.h>
+#include <RecordsetModel.h>
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QLocale>
+
+namespace forms {
+
+namespace {
+
+const store::FieldInfo *campo(const QModelIndex &index)
+{
+    const auto *m = qobject_cast<const RecordsetModel *>(index.model());
+    return m ? m->campoDi(index.column()) : nullptr;
+}
+
+QChar separatore()
+{
+    return QLocale().decimalPoint().at(0);
+}
+
+} // namespace
+
+QWidget *EditoreCampi::createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const store::FieldInfo *f = campo(index);
+    if (!f)
+        return QStyledItemDelegate::createEditor(parent, option, index);
+    using store::FieldKind;
+    switch (f->kind) {
+    case FieldKind::Date:
+        return new frame::CasellaData(parent);
+    case FieldKind::Currency:
+    case FieldKind::Double:
+    case FieldKind::Long: {
+        auto *e = new QLineEdit(parent);
+        e->setValidator(frame::ValidatoreCasella::numero(e, f->kind != FieldKind::Long));
+        e->setAlignment(Qt::AlignRight);
+        return e;
+    }
+    case FieldKind::Text:
+    case FieldKind::Memo: {
+        auto *e = new QLineEdit(parent);
+        if (f->size > 0)
+            e->setMaxLength(f->size);
+        return e;
+    }
+    default:
+        return QStyledItemDelegate::createEditor(parent, option, index);
+    }
+}
+
+void EditoreCampi::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    const QVariant v = index.data(RecordsetModel::RuoloValore);
+    if (auto *d = qobject_cast<frame::CasellaData *>(editor)) {
+        d->impostaData(v.isValid() && !v.isNull() ? std::optional<QDate>(v.toDateTime().date()) : std::nullopt);
+    } else if (auto *e = qobject_cast<QLineEdit *>(editor)) {
+        if (v.userType() == qMetaTypeId<store::Currency>())
+            e->setText(v.value<store::Currency>().toPlainText(separatore()));
+        else if (v.userType() == QMetaType::Double)
+            e->setText(QLocale().toString(v.toDouble(), 'g', QLocale::FloatingPointShortest));
+        else
+            e->setText(v.isValid() ? v.toString() : QString());
+    } else {
+        QStyledItemDelegate::setEditorData(editor, index);
+    }
+}
+
+void EditoreCampi::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
+{
+    const store::FieldInfo *f = campo(index);
+    if (auto *d = qobject_cast<frame::CasellaData *>(editor)) {
+        if (!d->conferma())
+            return;
+        const std::optional<QDate> data = d->data();
+        model->setData(index, data ? QVariant(QDateTime(*data, QTime(0, 0))) : QVariant());
+        return;
+    }
+    auto *e = qobject_cast<QLineEdit *>(editor);
+    if (!f || !e) {
+        QStyledItemDelegate::setModelData(editor, model, index);
+        return;
+    }
+    const QString testo = e->text().trimmed();
+    using store::FieldKind;
+    if (f->kind == FieldKind::Currency || f->kind == FieldKind::Double || f->kind == FieldKind::Long) {
+        // An empty box is no value; the model's check says what it becomes.
+        store::Currency importo;
+        if (testo.isEmpty() || !store::Currency::parse(QString(testo).replace(separatore(), QLatin1Char('.')), &importo)) {
+            model->setData(index, testo.isEmpty() ? QVariant() : QVariant(testo));
+            return;
+        }
+        if (f->kind == FieldKind::Currency)
+            model->setData(index, QVariant::fromValue(importo));
+        else if (f->kind == FieldKind::Long)
+            model->setData(index, qint64(importo.raw() / 10000));
+        else
+            model->setData(index, QLocale::c().toDouble(importo.toPlainText()));
+        return;
+    }
+    model->setData(index, testo.isEmpty() ? QVariant() : QVariant(e->text()));
+}
+
+bool EditoreCampi::eventFilter(QObject *editor, QEvent *event)
+{
+    // A date box that refuses its text keeps the cell in edit, as it keeps its own focus.
+    if (auto *d = qobject_cast<frame::CasellaData *>(editor)) {
+        const bool esce = event->type() == QEvent::KeyPress
+                          && QList<int>{Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Enter}.contains(
+                              static_cast<QKeyEvent *>(event)->key());
+        if ((esce || event->type() == QEvent::FocusOut) && !d->conferma())
+            return true;
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
+}
+
+} // namespace forms
