@@ -55,6 +55,7 @@ frmAggiornaMDB::frmAggiornaMDB(frame::Prompter &prompter, QWidget *parent)
 {
     m_ui->setupUi(this);
     setWindowTitle(frame::TestoLingua("M0135"));
+    m_ui->lblMessaggio->setText(frame::TestoLingua("CAP19")); // a structure change was found: press Start
     m_ui->cmdAvvio->setText(frame::TestoLingua("M0136"));
     m_ui->Command1->setText(frame::TestoLingua("M0137"));
     connect(m_ui->cmdAvvio, &QPushButton::clicked, this, &frmAggiornaMDB::cmdAvvio_Click);
