@@ -8,6 +8,7 @@
 #include <SettingsStore.h>
 #include <Startup.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
 
 #include <QDate>
 #include <QDir>
@@ -41,14 +42,6 @@ const QString kSection = QLatin1String(frame::SettingsStore::Section);
 
 QString sourceDir() { return QStringLiteral(VELTANO_SOURCE_DIR "/"); }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile f(path);
-    QVERIFY2(f.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(path));
-    f.write(bytes);
-}
-
 Table parse(const QByteArray &bytes)
 {
     Table t;
@@ -75,10 +68,7 @@ QStringList righe(const Table &t)
 
 Table parseLanguageFile(const QString &name)
 {
-    QFile f(sourceDir() + QStringLiteral("Language/") + name + QStringLiteral(".Res"));
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    return parse(f.readAll());
+    return parse(bytesOf(sourceDir() + QStringLiteral("Language/") + name + QStringLiteral(".Res")));
 }
 
 QString year() { return QString::number(QDate::currentDate().year()); }
@@ -219,7 +209,7 @@ private slots:
     {
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("dati.txt"));
-        writeFile(file, "x");
+        writeBytes(file, "x");
         QDir(dir.path()).mkdir(QStringLiteral("sub.dat"));
 
         QString p = file;
@@ -343,10 +333,10 @@ private slots:
     void languageFolder()
     {
         QTemporaryDir prog;
-        writeFile(prog.filePath(QStringLiteral("Language/long.res")), "K1;long one\nK2;long two\nK3;long three\n");
-        writeFile(prog.filePath(QStringLiteral("Language/Short.RES")), "K9;short\n");
+        writeBytes(prog.filePath(QStringLiteral("Language/long.res")), "K1;long one\nK2;long two\nK3;long three\n");
+        writeBytes(prog.filePath(QStringLiteral("Language/Short.RES")), "K9;short\n");
         for (const char *f : {"notes.txt", "Res"})
-            writeFile(prog.filePath(QStringLiteral("Language/") + QLatin1String(f)), "K;v\n");
+            writeBytes(prog.filePath(QStringLiteral("Language/") + QLatin1String(f)), "K;v\n");
         QDir(prog.path()).mkpath(QStringLiteral("Language/Folder.Res"));
         pub().CartellaProgramma = prog.path() + QLatin1Char('/');
         pub().Lingue = QStringList{QStringLiteral("stale")};
@@ -369,7 +359,7 @@ private slots:
 
         // Without a Language folder, or with no language file in it, one empty name.
         QTemporaryDir vuota;
-        writeFile(vuota.filePath(QStringLiteral("Language/readme.txt")), "x");
+        writeBytes(vuota.filePath(QStringLiteral("Language/readme.txt")), "x");
         for (const QString &cartella : {vuota.filePath(QStringLiteral("missing/")), vuota.path() + QLatin1Char('/')}) {
             pub().CartellaProgramma = cartella;
             frame::ElencaLingue();
@@ -439,7 +429,7 @@ private slots:
         QFETCH(QString, sezione);
         QFETCH(QString, chiave);
         QFETCH(QString, atteso);
-        writeFile(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
+        writeBytes(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
         frame::SettingsStore::save(kSection, QStringLiteral("PathData"), QStringLiteral("/a/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("pathdata"), QStringLiteral("/b/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("Vuoto"), QString());
@@ -650,15 +640,12 @@ private slots:
         for (int i = 0; text.size() < size; ++i)
             text += "chiave" + QByteArray::number(i) + "=valore\n";
         text.truncate(size);
-        QFile f(path);
-        QVERIFY(QDir().mkpath(QFileInfo(path).path()) && f.open(QIODevice::WriteOnly) && f.write(text) == size);
-        f.close();
+        writeBytes(path, text);
         QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Lingua")), read ? QStringLiteral("1") : QString());
         frame::SettingsStore::save(kSection, QStringLiteral("lingua"), QStringLiteral("2"));
         QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("lingua")), read ? QStringLiteral("2") : QString());
         QCOMPARE(frame::SettingsStore::problem().contains(path), !read);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll() == text, !read);
+        QCOMPARE(bytesOf(path) == text, !read);
         QFile::remove(path);
     }
 };

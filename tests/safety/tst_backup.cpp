@@ -11,6 +11,7 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -32,19 +33,6 @@ using frame::TestoLingua;
 using safety::CatalogueEntry;
 
 namespace {
-
-QByteArray bytesOf(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &data)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(f.write(data), data.size());
-}
 
 // Every file of a folder, hidden ones too: a half-written backup would be hidden.
 QStringList filesIn(const QString &folder)

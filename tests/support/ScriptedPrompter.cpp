@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ScriptedPrompter.h"
 
-void ScriptedPrompter::message(const QString &text, Icon icon, const QString &)
+void ScriptedPrompter::message(const QString &text, Icon icon, const QString &title)
 {
-    messages << Shown{text, icon};
+    messages << Shown{text, icon, title};
 }
 
 frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons, Answer defaultAnswer, const QString &,

@@ -12,6 +12,7 @@ public:
     struct Shown {
         QString text;
         Icon icon;
+        QString title;
     };
 
     void answer(Answer a) { m_answers << a; }
