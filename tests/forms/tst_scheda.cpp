@@ -158,8 +158,7 @@ private slots:
     }
     void layouts()
     {
-        QFETCH(Layout, layout);
-        QFETCH(QString, offerti);
+        QFETCH(Layout, layout); QFETCH(QString, offerti);
         const auto stato = forms::Pulsanti(layout, offerti.isEmpty() ? forms::ChiaviToolbar() : offerti.split(QLatin1Char(' ')));
         QStringList v, a;
         for (const QString &k : forms::ChiaviToolbar()) {
@@ -191,9 +190,7 @@ private slots:
     }
     void limiti()
     {
-        QFETCH(int, tipo);
-        QFETCH(int, casella);
-        QFETCH(int, dimensione);
+        QFETCH(int, tipo); QFETCH(int, casella); QFETCH(int, dimensione);
         store::FieldInfo f;
         f.kind = store::FieldKind(tipo);
         f.size = dimensione;
@@ -269,9 +266,7 @@ private slots:
     }
     void deleteAsksTwiceAndEndsOnTheLastRow()
     {
-        QFETCH(QList<int>, risposte);
-        QFETCH(int, domande);
-        QFETCH(int, rimaste);
+        QFETCH(QList<int>, risposte); QFETCH(int, domande); QFETCH(int, rimaste);
         m_form->recordset().MoveLast();
         for (int r : risposte)
             m_prompter.answer(r ? Prompter::Answer::Ok : Prompter::Answer::Cancel);
@@ -309,9 +304,7 @@ private slots:
     }
     void rightsLetterRefusesBeforeAnything()
     {
-        QFETCH(QString, lettera);
-        QFETCH(QString, azione);
-        QFETCH(bool, rifiuto);
+        QFETCH(QString, lettera); QFETCH(QString, azione); QFETCH(bool, rifiuto);
         pub().UtenteCorrente = QStringLiteral("mario");
         m_form->setProperty("Tag", lettera);
         m_prompter.messages.clear(); // the activation's rights question says nothing

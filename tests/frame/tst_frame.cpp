@@ -123,8 +123,7 @@ private slots:
     }
     void apiciSql()
     {
-        QFETCH(QVariant, valore);
-        QFETCH(QString, atteso);
+        QFETCH(QVariant, valore); QFETCH(QString, atteso);
         const QString testo = valore.toString();
         if (!atteso.isNull()) {
             QCOMPARE(frame::ApiciSQL(valore), atteso);
@@ -184,9 +183,7 @@ private slots:
     }
     void testi()
     {
-        QFETCH(QString, routine);
-        QFETCH(QString, testo);
-        QFETCH(QString, atteso);
+        QFETCH(QString, routine); QFETCH(QString, testo); QFETCH(QString, atteso);
         QString arg = testo;
         if (routine == QLatin1String("TogliSpaziDoppi")) {
             QCOMPARE(frame::TogliSpaziDoppi(arg), atteso);
@@ -246,8 +243,7 @@ private slots:
     }
     void giornoSettimana()
     {
-        QFETCH(QDate, data);
-        QFETCH(QString, atteso);
+        QFETCH(QDate, data); QFETCH(QString, atteso);
         QCOMPARE(QDate(2026, 3, 1).dayOfWeek(), 7); // the fixture's first day is a Sunday
         QCOMPARE(frame::GiornoSettimana(data), atteso);
     }
@@ -274,10 +270,7 @@ private slots:
     }
     void nullHelpers()
     {
-        QFETCH(QVariant, valore);
-        QFETCH(QVariant, numero);
-        QFETCH(QVariant, testo);
-        QFETCH(QVariant, nonNullo);
+        QFETCH(QVariant, valore); QFETCH(QVariant, numero); QFETCH(QVariant, testo); QFETCH(QVariant, nonNullo);
         for (const auto &[r, atteso] : {std::pair{frame::NumeroONullo(valore), numero}, std::pair{frame::TestoONullo(valore), testo},
                                          std::pair{frame::ValoreNonNullo(valore, QStringLiteral("def")), nonNullo}})
             if (atteso.isValid()) {
@@ -316,9 +309,7 @@ private slots:
     }
     void leggiTestiLingua()
     {
-        QFETCH(QByteArray, contenuto);
-        QFETCH(QStringList, righe);
-        QFETCH(QString, trovato);
+        QFETCH(QByteArray, contenuto); QFETCH(QStringList, righe); QFETCH(QString, trovato);
         pub().TestiLingua = parse(contenuto);
         QCOMPARE(::righe(pub().TestiLingua), righe);
         QString k = righe.value(0, QStringLiteral("M0001;")).section(QLatin1Char(';'), 0, 0).toLower();
@@ -426,9 +417,7 @@ private slots:
     }
     void settingsStore()
     {
-        QFETCH(QString, sezione);
-        QFETCH(QString, chiave);
-        QFETCH(QString, atteso);
+        QFETCH(QString, sezione); QFETCH(QString, chiave); QFETCH(QString, atteso);
         writeBytes(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
         frame::SettingsStore::save(kSection, QStringLiteral("PathData"), QStringLiteral("/a/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("pathdata"), QStringLiteral("/b/basedati.mdb"));
@@ -455,10 +444,7 @@ private slots:
     }
     void impostaPercorsi()
     {
-        QFETCH(QString, cartella);
-        QFETCH(QString, salvato);
-        QFETCH(QString, pathdata);
-        QFETCH(QString, dati);
+        QFETCH(QString, cartella); QFETCH(QString, salvato); QFETCH(QString, pathdata); QFETCH(QString, dati);
         if (!salvato.isNull())
             frame::SettingsStore::save(kSection, QStringLiteral("PathData"), salvato);
         pub().PercorsoElencoBackup = pub().CartellaImmagini = QStringLiteral("stale");
@@ -490,9 +476,7 @@ private slots:
     }
     void impostaLingua()
     {
-        QFETCH(bool, presente);
-        QFETCH(QString, salvato);
-        QFETCH(int, atteso);
+        QFETCH(bool, presente); QFETCH(QString, salvato); QFETCH(int, atteso);
         if (presente)
             frame::SettingsStore::save(kSection, QStringLiteral("lingua"), salvato);
         pub().CartellaProgramma = sourceDir();
@@ -522,8 +506,7 @@ private slots:
     }
     void annoEsercizio()
     {
-        QFETCH(QVariant, salvato);
-        QFETCH(QString, atteso);
+        QFETCH(QVariant, salvato); QFETCH(QString, atteso);
         TestDatabase db;
         const bool senzaRiga = QByteArray(QTest::currentDataTag()) == "no row";
         const bool impostata = QByteArray(QTest::currentDataTag()) == "set";
@@ -576,9 +559,7 @@ private slots:
     }
     void opzioni()
     {
-        QFETCH(QByteArray, lingua);
-        QFETCH(QVariant, salvato);
-        QFETCH(bool, attiva);
+        QFETCH(QByteArray, lingua); QFETCH(QVariant, salvato); QFETCH(bool, attiva);
         TestDatabase db;
         if (!lingua.isEmpty())
             pub().TestiLingua = parse(lingua);

@@ -67,8 +67,7 @@ private slots:
     }
     void geometryFromSettings()
     {
-        QFETCH(QStringList, salvata);
-        QFETCH(QRect, attesa);
+        QFETCH(QStringList, salvata); QFETCH(QRect, attesa);
         const char *chiavi[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
         for (int i = 0; i < 4; ++i)
             save(section(), key(chiavi[i]), salvata[i]);
@@ -109,10 +108,7 @@ private slots:
     }
     void qtTextsFollowTheLanguage()
     {
-        QFETCH(QString, lingua);
-        QFETCH(QString, annulla);
-        QFETCH(QString, mese);
-        QFETCH(QString, segnaposto);
+        QFETCH(QString, lingua); QFETCH(QString, annulla); QFETCH(QString, mese); QFETCH(QString, segnaposto);
         frame::pub().CartellaProgramma = QStringLiteral(VELTANO_SOURCE_DIR "/");
         frame::ElencaLingue();
         frame::pub().LinguaCorrente = int(frame::pub().Lingue.indexOf(lingua));
@@ -171,10 +167,7 @@ private slots:
     // The window reads its boxes, calls the check and closes only on success.
     void loginWindow()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, password);
-        QFETCH(bool, accepted);
-        QFETCH(QString, message);
+        QFETCH(QString, name); QFETCH(QString, password); QFETCH(bool, accepted); QFETCH(QString, message);
         TestDatabase db;
         frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
         QVERIFY(login.prepara());

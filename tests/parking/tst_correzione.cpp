@@ -160,16 +160,8 @@ private slots:
     }
     void refusals()
     {
-        QFETCH(int, op);
-        QFETCH(QString, user);
-        QFETCH(bool, right);
-        QFETCH(QString, tag);
-        QFETCH(int, state);
-        QFETCH(QString, word);
-        QFETCH(QString, message);
-        QFETCH(bool, asked);
-        QFETCH(FuocoPark, focus);
-        QFETCH(QString, change);
+        QFETCH(int, op); QFETCH(QString, user); QFETCH(bool, right); QFETCH(QString, tag); QFETCH(int, state);
+        QFETCH(QString, word); QFETCH(QString, message); QFETCH(bool, asked); QFETCH(FuocoPark, focus); QFETCH(QString, change);
         QFETCH(bool, during);
         const qint64 id = state == -1 ? -1 : insert(state == 0 || state == -2, state == 1, state == 2, QStringLiteral("1"));
         signInAs(user);
@@ -380,10 +372,7 @@ private slots:
     }
     void changeArithmetic()
     {
-        QFETCH(QString, due);
-        QFETCH(QString, given);
-        QFETCH(bool, valid);
-        QFETCH(QString, change);
+        QFETCH(QString, due); QFETCH(QString, given); QFETCH(bool, valid); QFETCH(QString, change);
         const auto resto = parking::RestoDaTesto(money(due), given);
         QCOMPARE(resto.has_value(), valid);
         QCOMPARE(resto.value_or(store::Currency()), valid ? money(change) : store::Currency());

@@ -270,10 +270,7 @@ private slots:
     }
     void entryRefusals()
     {
-        QFETCH(bool, obbligatoria);
-        QFETCH(QString, targa);
-        QFETCH(QString, fascia);
-        QFETCH(QString, chiave);
+        QFETCH(bool, obbligatoria); QFETCH(QString, targa); QFETCH(QString, fascia); QFETCH(QString, chiave);
         QFETCH(QString, fuoco);
         pub().TgObbligatoria = obbligatoria;
         QTest::keyClick(m_park.get(), Qt::Key_F5);
@@ -313,9 +310,7 @@ private slots:
     }
     void correctionsAndPostingRefusals()
     {
-        QFETCH(QString, bottone);
-        QFETCH(QString, chiave);
-        QFETCH(QString, utente);
+        QFETCH(QString, bottone); QFETCH(QString, chiave); QFETCH(QString, utente);
         c("TxtDR_0")->clear();
         entra(QStringLiteral("AB123CD"));
         c<QRadioButton>(chiave == QLatin1String("M0050") ? "OptUs" : "OptEn")->click();

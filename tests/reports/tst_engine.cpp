@@ -421,10 +421,7 @@ private slots:
 
     void hostileTemplatesAreRefused()
     {
-        QFETCH(QByteArray, page);
-        QFETCH(QByteArray, detail);
-        QFETCH(int, rows);
-        QFETCH(QString, told);
+        QFETCH(QByteArray, page); QFETCH(QByteArray, detail); QFETCH(int, rows); QFETCH(QString, told);
         store::Transaction t(db());
         for (int i = 0; i < rows; ++i)
             cash(QDate(2026, 1, 1), u"riga"_s, 1, 0);

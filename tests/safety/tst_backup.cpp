@@ -216,8 +216,7 @@ private slots:
 
     void roundTrip()
     {
-        QFETCH(bool, compressed);
-        QFETCH(char, levelByte);
+        QFETCH(bool, compressed); QFETCH(char, levelByte);
         QCOMPARE(safety::backupFileName(QDateTime(QDate(2006, 3, 6), QTime(14, 5, 9))), u"DB2006_03_06__14_05_09.zl"_s);
         store::Connections::close(working());
         const QByteArray original = bytesOf(working());
@@ -259,9 +258,7 @@ private slots:
 
     void automaticDeletion()
     {
-        QFETCH(bool, autoDelete);
-        QFETCH(int, keep);
-        QFETCH(QStringList, left);
+        QFETCH(bool, autoDelete); QFETCH(int, keep); QFETCH(QStringList, left);
         listFile(dest(), u"DB2020.zl"_s, QDateTime(QDate(2020, 1, 1), QTime(9, 0)), true);
         listFile(dest(), u"DB2021.zl"_s, QDateTime(QDate(2021, 1, 1), QTime(9, 0)), true);
         const std::optional<QString> file = backup(true, autoDelete, keep);
