@@ -17,6 +17,8 @@
 #include <CasellaData.h>
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QAction>
 #include <QCalendarWidget>
@@ -131,9 +133,7 @@ private slots:
         pub().statusSink = [this](const QString &t) { m_stato = t; };
         m_form = std::make_unique<SchedaFasce>(m_prompter);
         m_form->setAttribute(Qt::WA_DeleteOnClose, false);
-        m_form->show();
-        QApplication::setActiveWindow(m_form.get());
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        QVERIFY(showActive(m_form.get()));
     }
     void cleanup()
     {
@@ -393,9 +393,7 @@ private slots:
         pub().FormatoData = QStringLiteral("dd/mm/yyyy");
         forms::PannelloFiltro pannello;
         pannello.impostaCatalogo({numero, data});
-        pannello.show();
-        QApplication::setActiveWindow(&pannello);
-        QVERIFY(QTest::qWaitForWindowActive(&pannello));
+        QVERIFY(showActive(&pannello));
         QSignalSpy esegui(&pannello, &forms::PannelloFiltro::esegui);
         QTest::keyClicks(pannello.casella(0), QStringLiteral("-1a2,5x;"));
         auto *dal = qobject_cast<frame::CasellaData *>(pannello.casella(1));
@@ -455,9 +453,7 @@ private slots:
         const int perPagina = stampa.righePerPagina(pdf), pagine = stampa.stampa(pdf);
         QVERIFY(perPagina > 20 && pagine > 1);
         QCOMPARE(pagine, (302 + perPagina - 1) / perPagina);
-        QFile f(dir.filePath(QStringLiteral("list.pdf")));
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll().count("/Type /Page\n"), pagine);
+        QCOMPARE(bytesOf(dir.filePath(QStringLiteral("list.pdf"))).count("/Type /Page\n"), pagine);
         bool anteprima = false;
         QTimer::singleShot(0, this, [&anteprima] {
             anteprima = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());

@@ -11,6 +11,8 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -27,16 +29,6 @@ using frame::SettingsStore::get;
 using frame::SettingsStore::save;
 
 using frame::MenuVoci;
-
-// Answers the next modal dialog once it is up.
-template <typename F>
-void whenModal(F &&f)
-{
-    QTimer::singleShot(0, [f] {
-        if (QWidget *w = QApplication::activeModalWidget())
-            f(w);
-    });
-}
 
 class TestFrmMain : public QObject {
     Q_OBJECT
@@ -190,10 +182,7 @@ private slots:
     {
         TestDatabase db;
         store::Connections::closeAll();
-        QFile f(db.path());
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(QByteArray(8192, 'x'));
-        f.close();
+        writeBytes(db.path(), QByteArray(8192, 'x'));
         frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
         m_prompter.answer(frame::Prompter::Answer::Cancel);
         QVERIFY(!login.prepara());

@@ -14,6 +14,7 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestWindows.h>
 
 #include <QAction>
 #include <QPrintPreviewDialog>
@@ -123,9 +124,7 @@ private slots:
         m_park = std::make_unique<parking::frmPark>(m_prompter);
         m_park->setAttribute(Qt::WA_DeleteOnClose, false);
         m_park->impostaOrologio([this] { return m_adesso; });
-        m_park->show();
-        QApplication::setActiveWindow(m_park.get());
-        QVERIFY(QTest::qWaitForWindowActive(m_park.get()));
+        QVERIFY(showActive(m_park.get()));
     }
     void cleanup() { m_park.reset(); m_db.reset(); }
 

@@ -2,6 +2,7 @@
 // The report engine: templates, selection, sort, groups, variables, graphs and the three destinations.
 #include "ScriptedPrompter.h"
 #include "TestDatabase.h"
+#include "TestFiles.h"
 
 #include <Connections.h>
 #include <CrystalReport.h>
@@ -92,9 +93,7 @@ private:
     QString writeTemplate(const QByteArray &xml)
     {
         const QString path = m_out.filePath(u"t%1.rpt"_s.arg(++m_file));
-        QFile f(path);
-        f.open(QIODevice::WriteOnly);
-        f.write(xml);
+        writeBytes(path, xml);
         return path;
     }
 
@@ -181,10 +180,8 @@ private slots:
         QVERIFY(detail.texts.contains(u"Note dell'operatore"_s));
         QVERIFY(r.laidOut(u"reportHeader"_s).value(0).texts.contains(u"Garage Centrale"_s));
 
-        QFile pdf(m_out.filePath(u"out%1.pdf"_s.arg(m_file)));
-        QVERIFY(pdf.open(QIODevice::ReadOnly));
-        QVERIFY(pdf.read(4) == "%PDF");
-        QVERIFY(pdf.size() > 1000);
+        const QByteArray pdf = bytesOf(m_out.filePath(u"out%1.pdf"_s.arg(m_file)));
+        QVERIFY(pdf.startsWith("%PDF") && pdf.size() > 1000);
 
         // Formulas stay by index: a second run with only the selection changed keeps the labels.
         const qint64 inside = db().scalar(u"select id from Movimentazioni where Progressivo = 3"_s).toLongLong();

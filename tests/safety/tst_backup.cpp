@@ -12,6 +12,7 @@
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
 #include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -101,18 +102,6 @@ struct SlowUser final : Prompter {
     ScriptedPrompter &inner;
     int covered = 0;
 };
-
-// Runs `f` on the modal window once its event loop is up.
-template <typename F>
-void whenModal(const F &f)
-{
-    QTimer::singleShot(10, [f] {
-        if (QWidget *w = QApplication::activeModalWidget())
-            f(w);
-        else
-            whenModal(f);
-    });
-}
 
 template <typename T>
 T *child(QWidget *w, const char *name)

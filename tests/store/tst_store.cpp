@@ -8,6 +8,8 @@
 #include <Schema.h>
 #include <UnicodeText.h>
 
+#include <TestFiles.h>
+
 #include <QtTest>
 
 #include <cmath>
@@ -99,8 +101,7 @@ private slots:
                 for (int i = 0; i < bytes.size(); ++i)
                     bytes[i] = char((i * 7919 + 13) % 251);
             }
-            QFile f(path);
-            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size());
+            writeBytes(path, bytes);
         } else if (file == "plain"_L1) {
             Database plain(path, QString(), Database::Mode::Create);
             plain.execute(u"create table t (x)"_s);
