@@ -11,11 +11,21 @@ frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons,
 {
     questions << text;
     questionIcons << icon;
+    if (atQuestion)
+        std::exchange(atQuestion, nullptr)();
     if (m_answers.isEmpty()) {
         ++unanswered;
         return defaultAnswer;
     }
     return m_answers.takeFirst();
+}
+
+QStringList ScriptedPrompter::texts() const
+{
+    QStringList v;
+    for (const Shown &m : messages)
+        v << m.text;
+    return v;
 }
 
 std::optional<QString> ScriptedPrompter::input(const QString &prompt, const QString &, const QString &)
