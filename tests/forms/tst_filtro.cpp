@@ -187,8 +187,7 @@ private slots:
     }
     void testi()
     {
-        QFETCH(QVector<CasellaFiltro>, caselle);
-        QFETCH(int, modo);
+        QFETCH(QVector<CasellaFiltro>, caselle); QFETCH(int, modo);
         ScriptedPrompter p;
         const forms::Filtro f = forms::CostruisciFiltro(Vista, caselle, modo, p);
         QVERIFY(f.valido);
@@ -254,8 +253,7 @@ private slots:
     }
     void righeSelezionate()
     {
-        QFETCH(CasellaFiltro, k);
-        QFETCH(int, modo);
+        QFETCH(CasellaFiltro, k); QFETCH(int, modo);
         ScriptedPrompter p;
         const forms::Filtro f = forms::CostruisciFiltro(Vista, {k}, modo, p);
         QVERIFY(f.valido);
@@ -279,8 +277,7 @@ private slots:
     // A box that isn't a date stops the whole search, after any text criterion.
     void dataNonValida()
     {
-        QFETCH(QString, dal);
-        QFETCH(QString, al);
+        QFETCH(QString, dal); QFETCH(QString, al);
         ScriptedPrompter p;
         const QVector<CasellaFiltro> k{casella(QStringLiteral("Cognome"), TipoCasella::Testo, QStringLiteral("R")),
                                        casella(QStringLiteral("DataUltimoPagamento"), TipoCasella::Data, dal, al)};
@@ -366,9 +363,7 @@ private slots:
     }
     void esito()
     {
-        QFETCH(qint64, righe);
-        QFETCH(bool, automatico);
-        QFETCH(bool, messaggio);
+        QFETCH(qint64, righe); QFETCH(bool, automatico); QFETCH(bool, messaggio);
         ScriptedPrompter p;
         QTEST(int(forms::EsitoElenco(righe, automatico, p)), "esito");
         QCOMPARE(p.messages.size(), messaggio ? 1 : 0);

@@ -9,6 +9,7 @@
 #include <Routines.h>
 #include "ScriptedPrompter.h"
 #include "TestDatabase.h"
+#include "TestFiles.h"
 #include <QApplication>
 #include <QBrush>
 #include <QFile>
@@ -305,9 +306,7 @@ private slots:
                                                        R"({"columns":[7,{"field":"Targa","width":"wide","hidden":3},{"field":12}]}}})"),
                                             QByteArray("[1,2,3]")}) {
             n->moveSection(3, 0);
-            QFile f(rotto);
-            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(contenuto) == contenuto.size());
-            f.close();
+            writeBytes(rotto, contenuto);
             const bool letto = forms::CaricaLayoutGriglia(nuova, QString(), QStringLiteral("rotto.tdb"));
             // Only the third is ours: its one usable entry moves Targa first, the rest is ignored.
             QCOMPARE(letto, contenuto.contains("veltano-grid-layouts"));

@@ -17,6 +17,8 @@
 #include <CasellaData.h>
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QAction>
 #include <QCalendarWidget>
@@ -131,9 +133,7 @@ private slots:
         pub().statusSink = [this](const QString &t) { m_stato = t; };
         m_form = std::make_unique<SchedaFasce>(m_prompter);
         m_form->setAttribute(Qt::WA_DeleteOnClose, false);
-        m_form->show();
-        QApplication::setActiveWindow(m_form.get());
-        QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+        QVERIFY(showActive(m_form.get()));
     }
     void cleanup()
     {
@@ -158,8 +158,7 @@ private slots:
     }
     void layouts()
     {
-        QFETCH(Layout, layout);
-        QFETCH(QString, offerti);
+        QFETCH(Layout, layout); QFETCH(QString, offerti);
         const auto stato = forms::Pulsanti(layout, offerti.isEmpty() ? forms::ChiaviToolbar() : offerti.split(QLatin1Char(' ')));
         QStringList v, a;
         for (const QString &k : forms::ChiaviToolbar()) {
@@ -191,9 +190,7 @@ private slots:
     }
     void limiti()
     {
-        QFETCH(int, tipo);
-        QFETCH(int, casella);
-        QFETCH(int, dimensione);
+        QFETCH(int, tipo); QFETCH(int, casella); QFETCH(int, dimensione);
         store::FieldInfo f;
         f.kind = store::FieldKind(tipo);
         f.size = dimensione;
@@ -269,9 +266,7 @@ private slots:
     }
     void deleteAsksTwiceAndEndsOnTheLastRow()
     {
-        QFETCH(QList<int>, risposte);
-        QFETCH(int, domande);
-        QFETCH(int, rimaste);
+        QFETCH(QList<int>, risposte); QFETCH(int, domande); QFETCH(int, rimaste);
         m_form->recordset().MoveLast();
         for (int r : risposte)
             m_prompter.answer(r ? Prompter::Answer::Ok : Prompter::Answer::Cancel);
@@ -309,9 +304,7 @@ private slots:
     }
     void rightsLetterRefusesBeforeAnything()
     {
-        QFETCH(QString, lettera);
-        QFETCH(QString, azione);
-        QFETCH(bool, rifiuto);
+        QFETCH(QString, lettera); QFETCH(QString, azione); QFETCH(bool, rifiuto);
         pub().UtenteCorrente = QStringLiteral("mario");
         m_form->setProperty("Tag", lettera);
         m_prompter.messages.clear(); // the activation's rights question says nothing
@@ -400,9 +393,7 @@ private slots:
         pub().FormatoData = QStringLiteral("dd/mm/yyyy");
         forms::PannelloFiltro pannello;
         pannello.impostaCatalogo({numero, data});
-        pannello.show();
-        QApplication::setActiveWindow(&pannello);
-        QVERIFY(QTest::qWaitForWindowActive(&pannello));
+        QVERIFY(showActive(&pannello));
         QSignalSpy esegui(&pannello, &forms::PannelloFiltro::esegui);
         QTest::keyClicks(pannello.casella(0), QStringLiteral("-1a2,5x;"));
         auto *dal = qobject_cast<frame::CasellaData *>(pannello.casella(1));
@@ -462,9 +453,7 @@ private slots:
         const int perPagina = stampa.righePerPagina(pdf), pagine = stampa.stampa(pdf);
         QVERIFY(perPagina > 20 && pagine > 1);
         QCOMPARE(pagine, (302 + perPagina - 1) / perPagina);
-        QFile f(dir.filePath(QStringLiteral("list.pdf")));
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll().count("/Type /Page\n"), pagine);
+        QCOMPARE(bytesOf(dir.filePath(QStringLiteral("list.pdf"))).count("/Type /Page\n"), pagine);
         bool anteprima = false;
         QTimer::singleShot(0, this, [&anteprima] {
             anteprima = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());

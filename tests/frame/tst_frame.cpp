@@ -8,6 +8,7 @@
 #include <SettingsStore.h>
 #include <Startup.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
 
 #include <QDate>
 #include <QDir>
@@ -41,14 +42,6 @@ const QString kSection = QLatin1String(frame::SettingsStore::Section);
 
 QString sourceDir() { return QStringLiteral(VELTANO_SOURCE_DIR "/"); }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile f(path);
-    QVERIFY2(f.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(path));
-    f.write(bytes);
-}
-
 Table parse(const QByteArray &bytes)
 {
     Table t;
@@ -75,10 +68,7 @@ QStringList righe(const Table &t)
 
 Table parseLanguageFile(const QString &name)
 {
-    QFile f(sourceDir() + QStringLiteral("Language/") + name + QStringLiteral(".Res"));
-    if (!f.open(QIODevice::ReadOnly))
-        return {};
-    return parse(f.readAll());
+    return parse(bytesOf(sourceDir() + QStringLiteral("Language/") + name + QStringLiteral(".Res")));
 }
 
 QString year() { return QString::number(QDate::currentDate().year()); }
@@ -133,8 +123,7 @@ private slots:
     }
     void apiciSql()
     {
-        QFETCH(QVariant, valore);
-        QFETCH(QString, atteso);
+        QFETCH(QVariant, valore); QFETCH(QString, atteso);
         const QString testo = valore.toString();
         if (!atteso.isNull()) {
             QCOMPARE(frame::ApiciSQL(valore), atteso);
@@ -194,9 +183,7 @@ private slots:
     }
     void testi()
     {
-        QFETCH(QString, routine);
-        QFETCH(QString, testo);
-        QFETCH(QString, atteso);
+        QFETCH(QString, routine); QFETCH(QString, testo); QFETCH(QString, atteso);
         QString arg = testo;
         if (routine == QLatin1String("TogliSpaziDoppi")) {
             QCOMPARE(frame::TogliSpaziDoppi(arg), atteso);
@@ -219,7 +206,7 @@ private slots:
     {
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("dati.txt"));
-        writeFile(file, "x");
+        writeBytes(file, "x");
         QDir(dir.path()).mkdir(QStringLiteral("sub.dat"));
 
         QString p = file;
@@ -256,8 +243,7 @@ private slots:
     }
     void giornoSettimana()
     {
-        QFETCH(QDate, data);
-        QFETCH(QString, atteso);
+        QFETCH(QDate, data); QFETCH(QString, atteso);
         QCOMPARE(QDate(2026, 3, 1).dayOfWeek(), 7); // the fixture's first day is a Sunday
         QCOMPARE(frame::GiornoSettimana(data), atteso);
     }
@@ -284,10 +270,7 @@ private slots:
     }
     void nullHelpers()
     {
-        QFETCH(QVariant, valore);
-        QFETCH(QVariant, numero);
-        QFETCH(QVariant, testo);
-        QFETCH(QVariant, nonNullo);
+        QFETCH(QVariant, valore); QFETCH(QVariant, numero); QFETCH(QVariant, testo); QFETCH(QVariant, nonNullo);
         for (const auto &[r, atteso] : {std::pair{frame::NumeroONullo(valore), numero}, std::pair{frame::TestoONullo(valore), testo},
                                          std::pair{frame::ValoreNonNullo(valore, QStringLiteral("def")), nonNullo}})
             if (atteso.isValid()) {
@@ -326,9 +309,7 @@ private slots:
     }
     void leggiTestiLingua()
     {
-        QFETCH(QByteArray, contenuto);
-        QFETCH(QStringList, righe);
-        QFETCH(QString, trovato);
+        QFETCH(QByteArray, contenuto); QFETCH(QStringList, righe); QFETCH(QString, trovato);
         pub().TestiLingua = parse(contenuto);
         QCOMPARE(::righe(pub().TestiLingua), righe);
         QString k = righe.value(0, QStringLiteral("M0001;")).section(QLatin1Char(';'), 0, 0).toLower();
@@ -343,10 +324,10 @@ private slots:
     void languageFolder()
     {
         QTemporaryDir prog;
-        writeFile(prog.filePath(QStringLiteral("Language/long.res")), "K1;long one\nK2;long two\nK3;long three\n");
-        writeFile(prog.filePath(QStringLiteral("Language/Short.RES")), "K9;short\n");
+        writeBytes(prog.filePath(QStringLiteral("Language/long.res")), "K1;long one\nK2;long two\nK3;long three\n");
+        writeBytes(prog.filePath(QStringLiteral("Language/Short.RES")), "K9;short\n");
         for (const char *f : {"notes.txt", "Res"})
-            writeFile(prog.filePath(QStringLiteral("Language/") + QLatin1String(f)), "K;v\n");
+            writeBytes(prog.filePath(QStringLiteral("Language/") + QLatin1String(f)), "K;v\n");
         QDir(prog.path()).mkpath(QStringLiteral("Language/Folder.Res"));
         pub().CartellaProgramma = prog.path() + QLatin1Char('/');
         pub().Lingue = QStringList{QStringLiteral("stale")};
@@ -369,7 +350,7 @@ private slots:
 
         // Without a Language folder, or with no language file in it, one empty name.
         QTemporaryDir vuota;
-        writeFile(vuota.filePath(QStringLiteral("Language/readme.txt")), "x");
+        writeBytes(vuota.filePath(QStringLiteral("Language/readme.txt")), "x");
         for (const QString &cartella : {vuota.filePath(QStringLiteral("missing/")), vuota.path() + QLatin1Char('/')}) {
             pub().CartellaProgramma = cartella;
             frame::ElencaLingue();
@@ -436,10 +417,8 @@ private slots:
     }
     void settingsStore()
     {
-        QFETCH(QString, sezione);
-        QFETCH(QString, chiave);
-        QFETCH(QString, atteso);
-        writeFile(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
+        QFETCH(QString, sezione); QFETCH(QString, chiave); QFETCH(QString, atteso);
+        writeBytes(frame::SettingsStore::fileName(), "[impostazioni]\nlingua=1, 2\nlogo=@ByteArray(abc)\navvio=@Invalid()\ninsertpremuto=S\n");
         frame::SettingsStore::save(kSection, QStringLiteral("PathData"), QStringLiteral("/a/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("pathdata"), QStringLiteral("/b/basedati.mdb"));
         frame::SettingsStore::save(kSection, QStringLiteral("Vuoto"), QString());
@@ -465,10 +444,7 @@ private slots:
     }
     void impostaPercorsi()
     {
-        QFETCH(QString, cartella);
-        QFETCH(QString, salvato);
-        QFETCH(QString, pathdata);
-        QFETCH(QString, dati);
+        QFETCH(QString, cartella); QFETCH(QString, salvato); QFETCH(QString, pathdata); QFETCH(QString, dati);
         if (!salvato.isNull())
             frame::SettingsStore::save(kSection, QStringLiteral("PathData"), salvato);
         pub().PercorsoElencoBackup = pub().CartellaImmagini = QStringLiteral("stale");
@@ -500,9 +476,7 @@ private slots:
     }
     void impostaLingua()
     {
-        QFETCH(bool, presente);
-        QFETCH(QString, salvato);
-        QFETCH(int, atteso);
+        QFETCH(bool, presente); QFETCH(QString, salvato); QFETCH(int, atteso);
         if (presente)
             frame::SettingsStore::save(kSection, QStringLiteral("lingua"), salvato);
         pub().CartellaProgramma = sourceDir();
@@ -532,8 +506,7 @@ private slots:
     }
     void annoEsercizio()
     {
-        QFETCH(QVariant, salvato);
-        QFETCH(QString, atteso);
+        QFETCH(QVariant, salvato); QFETCH(QString, atteso);
         TestDatabase db;
         const bool senzaRiga = QByteArray(QTest::currentDataTag()) == "no row";
         const bool impostata = QByteArray(QTest::currentDataTag()) == "set";
@@ -586,9 +559,7 @@ private slots:
     }
     void opzioni()
     {
-        QFETCH(QByteArray, lingua);
-        QFETCH(QVariant, salvato);
-        QFETCH(bool, attiva);
+        QFETCH(QByteArray, lingua); QFETCH(QVariant, salvato); QFETCH(bool, attiva);
         TestDatabase db;
         if (!lingua.isEmpty())
             pub().TestiLingua = parse(lingua);
@@ -650,15 +621,12 @@ private slots:
         for (int i = 0; text.size() < size; ++i)
             text += "chiave" + QByteArray::number(i) + "=valore\n";
         text.truncate(size);
-        QFile f(path);
-        QVERIFY(QDir().mkpath(QFileInfo(path).path()) && f.open(QIODevice::WriteOnly) && f.write(text) == size);
-        f.close();
+        writeBytes(path, text);
         QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("Lingua")), read ? QStringLiteral("1") : QString());
         frame::SettingsStore::save(kSection, QStringLiteral("lingua"), QStringLiteral("2"));
         QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("lingua")), read ? QStringLiteral("2") : QString());
         QCOMPARE(frame::SettingsStore::problem().contains(path), !read);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll() == text, !read);
+        QCOMPARE(bytesOf(path) == text, !read);
         QFile::remove(path);
     }
 };

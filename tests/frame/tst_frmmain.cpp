@@ -11,6 +11,8 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -27,16 +29,6 @@ using frame::SettingsStore::get;
 using frame::SettingsStore::save;
 
 using frame::MenuVoci;
-
-// Answers the next modal dialog once it is up.
-template <typename F>
-void whenModal(F &&f)
-{
-    QTimer::singleShot(0, [f] {
-        if (QWidget *w = QApplication::activeModalWidget())
-            f(w);
-    });
-}
 
 class TestFrmMain : public QObject {
     Q_OBJECT
@@ -67,8 +59,7 @@ private slots:
     }
     void geometryFromSettings()
     {
-        QFETCH(QStringList, salvata);
-        QFETCH(QRect, attesa);
+        QFETCH(QStringList, salvata); QFETCH(QRect, attesa);
         const char *chiavi[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
         for (int i = 0; i < 4; ++i)
             save(section(), key(chiavi[i]), salvata[i]);
@@ -109,10 +100,7 @@ private slots:
     }
     void qtTextsFollowTheLanguage()
     {
-        QFETCH(QString, lingua);
-        QFETCH(QString, annulla);
-        QFETCH(QString, mese);
-        QFETCH(QString, segnaposto);
+        QFETCH(QString, lingua); QFETCH(QString, annulla); QFETCH(QString, mese); QFETCH(QString, segnaposto);
         frame::pub().CartellaProgramma = QStringLiteral(VELTANO_SOURCE_DIR "/");
         frame::ElencaLingue();
         frame::pub().LinguaCorrente = int(frame::pub().Lingue.indexOf(lingua));
@@ -171,10 +159,7 @@ private slots:
     // The window reads its boxes, calls the check and closes only on success.
     void loginWindow()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, password);
-        QFETCH(bool, accepted);
-        QFETCH(QString, message);
+        QFETCH(QString, name); QFETCH(QString, password); QFETCH(bool, accepted); QFETCH(QString, message);
         TestDatabase db;
         frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
         QVERIFY(login.prepara());
@@ -197,10 +182,7 @@ private slots:
     {
         TestDatabase db;
         store::Connections::closeAll();
-        QFile f(db.path());
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(QByteArray(8192, 'x'));
-        f.close();
+        writeBytes(db.path(), QByteArray(8192, 'x'));
         frame::frmLogin login(m_prompter, frame::frmLogin::Modo::Accesso);
         m_prompter.answer(frame::Prompter::Answer::Cancel);
         QVERIFY(!login.prepara());

@@ -74,10 +74,7 @@ private slots:
     }
     void loginRules()
     {
-        QFETCH(QVariant, stored);
-        QFETCH(QString, typed);
-        QFETCH(bool, login);
-        QFETCH(bool, passwordWindow);
+        QFETCH(QVariant, stored); QFETCH(QString, typed); QFETCH(bool, login); QFETCH(bool, passwordWindow);
         const int id = addUser(QStringLiteral("O'Neil"), stored);
         ScriptedPrompter p;
         const EsitoVerifica esito = frame::VerificaLogin(db(), p, QStringLiteral("O'Neil"), typed);
@@ -155,10 +152,7 @@ private slots:
     }
     void authorisation()
     {
-        QFETCH(QString, letter);
-        QFETCH(QString, operation);
-        QFETCH(int, recordUser);
-        QFETCH(bool, allowed);
+        QFETCH(QString, letter); QFETCH(QString, operation); QFETCH(int, recordUser); QFETCH(bool, allowed);
         QFETCH(QString, message);
         pub().UtenteCorrente = QStringLiteral("mario");
         pub().IdUtenteCorrente = 3;

@@ -16,8 +16,6 @@
 #include <QPushButton>
 #include <QtTest>
 
-#include <functional>
-
 using frame::Prompter;
 using frame::pub;
 using frame::TestoLingua;
@@ -25,30 +23,6 @@ using parking::FuocoPark;
 using namespace prova;
 
 Q_DECLARE_METATYPE(parking::FuocoPark)
-
-namespace {
-
-// Answers Cancel or OK as told, and runs `action` at the first question: the
-// world changing while the user reads a box.
-class PrompterWithHook final : public Prompter {
-public:
-    std::function<void()> action;
-    Answer answer = Answer::Ok;
-    QStringList shown, asked;
-    QList<Icon> icons; // of the questions
-    void message(const QString &text, Icon, const QString &) override { shown << text; }
-    Answer question(const QString &text, Buttons, Answer, const QString &, Icon icon) override
-    {
-        asked << text;
-        icons << icon;
-        if (action)
-            std::exchange(action, nullptr)();
-        return answer;
-    }
-    std::optional<QString> input(const QString &, const QString &, const QString &) override { return std::nullopt; }
-};
-
-} // namespace
 
 class TestCorrezione : public QObject {
     Q_OBJECT
@@ -160,24 +134,17 @@ private slots:
     }
     void refusals()
     {
-        QFETCH(int, op);
-        QFETCH(QString, user);
-        QFETCH(bool, right);
-        QFETCH(QString, tag);
-        QFETCH(int, state);
-        QFETCH(QString, word);
-        QFETCH(QString, message);
-        QFETCH(bool, asked);
-        QFETCH(FuocoPark, focus);
-        QFETCH(QString, change);
+        QFETCH(int, op); QFETCH(QString, user); QFETCH(bool, right); QFETCH(QString, tag); QFETCH(int, state);
+        QFETCH(QString, word); QFETCH(QString, message); QFETCH(bool, asked); QFETCH(FuocoPark, focus); QFETCH(QString, change);
         QFETCH(bool, during);
         const qint64 id = state == -1 ? -1 : insert(state == 0 || state == -2, state == 1, state == 2, QStringLiteral("1"));
         signInAs(user);
         (op == 0 ? pub().OpModificare : op == 1 ? pub().OpAnnullare : pub().OpContabilizzare) = right;
         m_clock.now = QDateTime(QDate(2026, 3, 10), QTime(11, 0, 0));
         auto rs = form(id); // the set holds its copy of the row from here on
-        PrompterWithHook p;
-        p.answer = word.isEmpty() ? Prompter::Answer::Cancel : Prompter::Answer::Ok;
+        ScriptedPrompter p;
+        for (int i = 0; i < 2; ++i) // a replay asks its own question
+            p.answer(word.isEmpty() ? Prompter::Answer::Cancel : Prompter::Answer::Ok);
         parking::PannelloMovimento pn = state < 0 ? parking::PannelloMovimento() : panel(*rs);
         QStringList before; // the register as it must stay, once changed
         const auto cambia = [&] {
@@ -186,7 +153,7 @@ private slots:
             before = dump(QStringLiteral("Movimentazioni"));
         };
         if (during)
-            p.action = cambia;
+            p.atQuestion = cambia;
         else
             cambia();
         bool scritto = true, rilegge = false;
@@ -208,15 +175,15 @@ private slots:
         QVERIFY(!scritto);
         if (op != 3)
             QCOMPARE(fuoco, focus);
-        QCOMPARE(p.shown, message.isEmpty() ? QStringList() : QStringList{message});
+        QCOMPARE(p.texts(), message.isEmpty() ? QStringList() : QStringList{message});
         if (!change.isEmpty() || state == -2)
             QVERIFY(rilegge); // the window must show the row as it stands
-        QCOMPARE(p.asked.size(), !asked ? 0 : op == 0 && during ? 2 : 1); // a replay asks its own question
-        QVERIFY(!p.action);
+        QCOMPARE(p.questions.size(), !asked ? 0 : op == 0 && during ? 2 : 1);
+        QVERIFY(!p.atQuestion);
         if (asked && op < 2) {
-            QCOMPARE(p.asked.first(), op == 1 ? TestoLingua("M0057") + QStringLiteral("\n\n") + TestoLingua("M0006")
+            QCOMPARE(p.questions.first(), op == 1 ? TestoLingua("M0057") + QStringLiteral("\n\n") + TestoLingua("M0006")
                                               : TestoLingua("M0053"));
-            QCOMPARE(p.icons.first(), op == 1 ? Prompter::Icon::Stop : Prompter::Icon::Exclamation);
+            QCOMPARE(p.questionIcons.first(), op == 1 ? Prompter::Icon::Stop : Prompter::Icon::Exclamation);
         }
         QCOMPARE(dump(QStringLiteral("Movimentazioni")), before);
         QCOMPARE(count(QStringLiteral("select count(*) from Cassa")), 0);
@@ -380,10 +347,7 @@ private slots:
     }
     void changeArithmetic()
     {
-        QFETCH(QString, due);
-        QFETCH(QString, given);
-        QFETCH(bool, valid);
-        QFETCH(QString, change);
+        QFETCH(QString, due); QFETCH(QString, given); QFETCH(bool, valid); QFETCH(QString, change);
         const auto resto = parking::RestoDaTesto(money(due), given);
         QCOMPARE(resto.has_value(), valid);
         QCOMPARE(resto.value_or(store::Currency()), valid ? money(change) : store::Currency());

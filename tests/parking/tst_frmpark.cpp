@@ -14,6 +14,7 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestWindows.h>
 
 #include <QAction>
 #include <QPrintPreviewDialog>
@@ -102,14 +103,6 @@ private:
         });
     }
 
-    QStringList testi() const
-    {
-        QStringList v;
-        for (const auto &m : m_prompter.messages)
-            v << m.text;
-        return v;
-    }
-
 private slots:
     void init()
     {
@@ -123,9 +116,7 @@ private slots:
         m_park = std::make_unique<parking::frmPark>(m_prompter);
         m_park->setAttribute(Qt::WA_DeleteOnClose, false);
         m_park->impostaOrologio([this] { return m_adesso; });
-        m_park->show();
-        QApplication::setActiveWindow(m_park.get());
-        QVERIFY(QTest::qWaitForWindowActive(m_park.get()));
+        QVERIFY(showActive(m_park.get()));
     }
     void cleanup() { m_park.reset(); m_db.reset(); }
 
@@ -194,16 +185,16 @@ private slots:
         QVERIFY(movimenti().first().contabilizzato);
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Cassa")).toInt(), 1);
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select Entrata from Cassa")).toDouble(), uscito.importo.toDouble());
-        QVERIFY(testi().last().startsWith(TestoLingua("M0059")));
+        QVERIFY(m_prompter.texts().last().startsWith(TestoLingua("M0059")));
         c<QPushButton>("ComCont")->click();
-        QCOMPARE(testi().last(), TestoLingua("M0061"));
+        QCOMPARE(m_prompter.texts().last(), TestoLingua("M0061"));
 
         // Without moving, the row shown unposted is posted all the same: neither cancelled nor corrected.
         for (const auto &[bottone, chiave] : {std::pair("ComMod", "M0052"), std::pair("ComAnn", "M0056")}) {
             m_prompter.answer(Prompter::Answer::Ok);
             m_prompter.answer(Prompter::Answer::Ok);
             c<QPushButton>(bottone)->click();
-            QCOMPARE(testi().last(), TestoLingua(chiave));
+            QCOMPARE(m_prompter.texts().last(), TestoLingua(chiave));
         }
         QCOMPARE(m_prompter.questions.size(), 3); // the entries' and the exit's only
         QVERIFY(!movimenti().first().annullato);
@@ -270,10 +261,7 @@ private slots:
     }
     void entryRefusals()
     {
-        QFETCH(bool, obbligatoria);
-        QFETCH(QString, targa);
-        QFETCH(QString, fascia);
-        QFETCH(QString, chiave);
+        QFETCH(bool, obbligatoria); QFETCH(QString, targa); QFETCH(QString, fascia); QFETCH(QString, chiave);
         QFETCH(QString, fuoco);
         pub().TgObbligatoria = obbligatoria;
         QTest::keyClick(m_park.get(), Qt::Key_F5);
@@ -281,7 +269,7 @@ private slots:
         c("TxtTC_0")->setText(fascia);
         m_prompter.answer(Prompter::Answer::Cancel);
         c<QPushButton>("CmdEntraEsce")->click();
-        QCOMPARE(testi(), chiave.isEmpty() ? QStringList() : QStringList{TestoLingua(chiave.toLatin1().constData())});
+        QCOMPARE(m_prompter.texts(), chiave.isEmpty() ? QStringList() : QStringList{TestoLingua(chiave.toLatin1().constData())});
         QCOMPARE(m_prompter.questions.size(), chiave.isEmpty() ? 1 : 0);
         QVERIFY(movimenti().isEmpty());
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from TabProgressivi")).toInt(), 0);
@@ -313,16 +301,14 @@ private slots:
     }
     void correctionsAndPostingRefusals()
     {
-        QFETCH(QString, bottone);
-        QFETCH(QString, chiave);
-        QFETCH(QString, utente);
+        QFETCH(QString, bottone); QFETCH(QString, chiave); QFETCH(QString, utente);
         c("TxtDR_0")->clear();
         entra(QStringLiteral("AB123CD"));
         c<QRadioButton>(chiave == QLatin1String("M0050") ? "OptUs" : "OptEn")->click();
         pub().UtenteCorrente = utente;
         m_prompter.messages.clear();
         c<QPushButton>(bottone.toLatin1().constData())->click();
-        QCOMPARE(testi(), QStringList{TestoLingua(chiave.toLatin1().constData())});
+        QCOMPARE(m_prompter.texts(), QStringList{TestoLingua(chiave.toLatin1().constData())});
         QCOMPARE(m_prompter.messages.first().icon, Prompter::Icon::Information);
         QCOMPARE(m_prompter.questions.size(), 1); // the entry's only
         QVERIFY(movimenti().first().entrato && !movimenti().first().annullato);
@@ -341,10 +327,10 @@ private slots:
             c("TxtProg")->setText(QStringLiteral("1'; drop table x"));
             c("TxtDR_0")->setText(QLatin1String(data));
             c<QPushButton>("ComEsegueRicRapida")->click();
-            QCOMPARE(testi().last(), TestoLingua(chiave));
+            QCOMPARE(m_prompter.texts().last(), TestoLingua(chiave));
             QCOMPARE(QApplication::focusWidget()->objectName(), QString::fromLatin1(fuoco));
         }
-        QCOMPARE(testi().size(), 2);
+        QCOMPARE(m_prompter.texts().size(), 2);
         QCOMPARE(movimenti().size(), 1);
     }
 

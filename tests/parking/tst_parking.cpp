@@ -103,14 +103,8 @@ private slots:
     }
     void tariff()
     {
-        QFETCH(QString, importo);
-        QFETCH(int, min1);
-        QFETCH(QString, succ);
-        QFETCH(int, minSuc);
-        QFETCH(int, minuti);
-        QFETCH(QString, atteso);
-        QFETCH(qint64, frazioni);
-        QFETCH(bool, nota);
+        QFETCH(QString, importo); QFETCH(int, min1); QFETCH(QString, succ); QFETCH(int, minSuc); QFETCH(int, minuti);
+        QFETCH(QString, atteso); QFETCH(qint64, frazioni); QFETCH(bool, nota);
         const parking::Fascia f{money(importo), min1, money(succ), minSuc};
         QVERIFY(parking::DifettoFascia(f) == nullptr);
         const auto r = parking::CalcolaTariffa(f, minuti);
@@ -151,11 +145,7 @@ private slots:
     }
     void exitRefusals()
     {
-        QFETCH(QString, importo);
-        QFETCH(int, min1);
-        QFETCH(QString, succ);
-        QFETCH(int, minSuc);
-        QFETCH(QString, chiave);
+        QFETCH(QString, importo); QFETCH(int, min1); QFETCH(QString, succ); QFETCH(int, minSuc); QFETCH(QString, chiave);
         setBand(QStringLiteral("BAD"), importo, min1, succ, minSuc);
         auto rs = form();
         const qint64 id = enter(*rs, QStringLiteral("AB123CD"), QStringLiteral("BAD"));
@@ -189,10 +179,7 @@ private slots:
     // Entry, then exit an interval later: the row, the amount, the note and the change calculator.
     void fullStay()
     {
-        QFETCH(QString, fascia);
-        QFETCH(int, secondi);
-        QFETCH(QString, importo);
-        QFETCH(QString, nota);
+        QFETCH(QString, fascia); QFETCH(int, secondi); QFETCH(QString, importo); QFETCH(QString, nota);
         pub().StampaUscita = true;
         auto rs = form();
         const QDateTime ingresso = m_clock.now;
@@ -273,10 +260,7 @@ private slots:
     }
     void numbering()
     {
-        QFETCH(QString, preparazione);
-        QFETCH(QString, anno);
-        QFETCH(int, numero);
-        QFETCH(int, righeContatore);
+        QFETCH(QString, preparazione); QFETCH(QString, anno); QFETCH(int, numero); QFETCH(int, righeContatore);
         if (!preparazione.isEmpty())
             db().execute(preparazione);
         pub().AnnoEsercizio = anno;

@@ -124,9 +124,7 @@ private slots:
     }
     void lists()
     {
-        QFETCH(OpzioneElenco, opzione);
-        QFETCH(QDate, giorno);
-        QFETCH(Ids, attese);
+        QFETCH(OpzioneElenco, opzione); QFETCH(QDate, giorno); QFETCH(Ids, attese);
         QCOMPARE(righe(parking::ElencoMovimenti(opzione, giorno)), attese);
         QCOMPARE(bool(parking::ElencoMovimenti(opzione, giorno).contatore.total), !giorno.isValid());
         if (!giorno.isValid())
@@ -203,13 +201,8 @@ private slots:
     }
     void search()
     {
-        QFETCH(QString, numero);
-        QFETCH(QString, anno);
-        QFETCH(QString, targa);
-        QFETCH(QString, data);
-        QFETCH(OpzioneElenco, opzione);
-        QFETCH(qint64, chiave);
-        QFETCH(QString, messaggio);
+        QFETCH(QString, numero); QFETCH(QString, anno); QFETCH(QString, targa); QFETCH(QString, data);
+        QFETCH(OpzioneElenco, opzione); QFETCH(qint64, chiave); QFETCH(QString, messaggio);
         const FuocoRicerca fuoco = messaggio.isEmpty() ? FuocoRicerca::Griglia
                                    : messaggio == QLatin1String("M0008") ? FuocoRicerca::Data : FuocoRicerca::Progressivo;
         PannelloRicerca p = pannello(numero, anno, targa, data, opzione);

@@ -2,6 +2,7 @@
 // The report engine: templates, selection, sort, groups, variables, graphs and the three destinations.
 #include "ScriptedPrompter.h"
 #include "TestDatabase.h"
+#include "TestFiles.h"
 
 #include <Connections.h>
 #include <CrystalReport.h>
@@ -16,6 +17,8 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+
+using namespace Qt::StringLiterals;
 
 using reports::CrystalReport;
 
@@ -39,7 +42,7 @@ void movement(int progressivo, const QDateTime &in, const QDateTime &out, const 
 
 void cash(const QDate &day, const QString &what, double in, double out)
 {
-    db().execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata, Uscita, Esercizio, IdUtente) values (?, ?, ?, ?, '2026', 1)"),
+    db().execute(u"insert into Cassa (Data, Descrizione, Entrata, Uscita, Esercizio, IdUtente) values (?, ?, ?, ?, '2026', 1)"_s,
                  {day.startOfDay(), what, in, out});
 }
 
@@ -53,7 +56,7 @@ void traffic(int month, int day, int count, int firstNumber)
 {
     for (int i = 0; i < count; ++i) {
         const QDateTime in = at(month, day, 7).addSecs(i * 1200);
-        movement(firstNumber + i, in, in.addSecs(3600), QStringLiteral("AB%1CD").arg(100 + i), 2.5);
+        movement(firstNumber + i, in, in.addSecs(3600), u"AB%1CD"_s.arg(100 + i), 2.5);
     }
 }
 
@@ -65,32 +68,41 @@ class TestEngine : public QObject {
 private:
     QTemporaryDir m_out;
     int m_file = 0;
+    std::unique_ptr<TestDatabase> m_base;
+    ScriptedPrompter p;
+    std::unique_ptr<CrystalReport> m_report;
 
     // An engine set as the program's windows set it, writing a PDF.
     void prepare(CrystalReport &r, const QString &templ)
     {
-        r.setReportFileName(templ.contains(QLatin1Char('/')) ? templ : Templates + templ + QStringLiteral(".rpt"));
-        r.setConnect(QStringLiteral(";pwd=;PWD=quartzel"));
+        r.setReportFileName(templ.contains(QLatin1Char('/')) ? templ : Templates + templ + u".rpt"_s);
+        r.setConnect(u";pwd=;PWD=quartzel"_s);
         r.setDataFiles(0, frame::pub().Pathdata);
         r.setDiscardSavedData(true);
         r.setDestination(CrystalReport::ToFile);
-        r.setPrintFileName(m_out.filePath(QStringLiteral("out%1.pdf").arg(++m_file)));
+        r.setPrintFileName(m_out.filePath(u"out%1.pdf"_s.arg(++m_file)));
         r.setKeepLayout(true);
     }
 
     static QString named(const CrystalReport &r, const QString &section, const QString &item, int index = 0)
     {
         const QList<reports::LaidOutSection> s = r.laidOut(section);
-        return index < s.size() ? s.at(index).named.value(item) : QStringLiteral("<no section %1 #%2>").arg(section).arg(index);
+        return index < s.size() ? s.at(index).named.value(item) : u"<no section %1 #%2>"_s.arg(section).arg(index);
     }
 
     QString writeTemplate(const QByteArray &xml)
     {
-        const QString path = m_out.filePath(QStringLiteral("t%1.rpt").arg(++m_file));
-        QFile f(path);
-        f.open(QIODevice::WriteOnly);
-        f.write(xml);
+        const QString path = m_out.filePath(u"t%1.rpt"_s.arg(++m_file));
+        writeBytes(path, xml);
         return path;
+    }
+
+    // A fresh engine over `templ`, answering to p.
+    CrystalReport &report(const QString &templ)
+    {
+        m_report = std::make_unique<CrystalReport>(p);
+        prepare(*m_report, templ);
+        return *m_report;
     }
 
 private slots:
@@ -100,14 +112,20 @@ private slots:
         QLocale::setDefault(QLocale::c());
         QVERIFY(m_out.isValid());
     }
+    void init()
+    {
+        m_base = std::make_unique<TestDatabase>();
+        p = ScriptedPrompter();
+    }
+    void cleanup()
+    {
+        m_report.reset();
+        m_base.reset();
+    }
 
     void templateErrorsAreToldAndStopTheRun()
     {
-        TestDatabase base;
-        ScriptedPrompter p;
-        CrystalReport r(p);
-
-        prepare(r, QStringLiteral("NoSuchTemplate"));
+        CrystalReport &r = report(u"NoSuchTemplate"_s);
         QVERIFY(!r.setAction(1));
         QCOMPARE(p.messages.size(), 1);
         QVERIFY2(p.messages.at(0).text.contains(QLatin1String("NoSuchTemplate.rpt")), qPrintable(p.messages.at(0).text));
@@ -135,17 +153,14 @@ private slots:
 
     void slipOfOneMovementToPdf()
     {
-        TestDatabase base;
-        db().execute(QStringLiteral("update Impostazioni set IRagSoc = 'Garage Centrale', ITel = '0461 000000'"));
-        movement(1, at(3, 2, 8), at(3, 2, 9, 30), QStringLiteral("AA111AA"), 3);
-        movement(2, at(3, 2, 8, 15), at(3, 2, 10, 45), QStringLiteral("BB222BB"), 4.5, false, QStringLiteral("l'auto blu"));
-        movement(3, at(3, 2, 8, 20), QDateTime(), QStringLiteral("CC333CC"), 0);
-        const qint64 id = db().scalar(QStringLiteral("select id from Movimentazioni where Progressivo = 2")).toLongLong();
+        db().execute(u"update Impostazioni set IRagSoc = 'Garage Centrale', ITel = '0461 000000'"_s);
+        movement(1, at(3, 2, 8), at(3, 2, 9, 30), u"AA111AA"_s, 3);
+        movement(2, at(3, 2, 8, 15), at(3, 2, 10, 45), u"BB222BB"_s, 4.5, false, u"l'auto blu"_s);
+        movement(3, at(3, 2, 8, 20), QDateTime(), u"CC333CC"_s, 0);
+        const qint64 id = db().scalar(u"select id from Movimentazioni where Progressivo = 2"_s).toLongLong();
 
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("Movimento"));
-        r.setSelectionFormula(QStringLiteral("{Q_Movimentazioni_Utenti.Id}=") + QString::number(id));
+        CrystalReport &r = report(u"Movimento"_s);
+        r.setSelectionFormula(u"{Q_Movimentazioni_Utenti.Id}="_s + QString::number(id));
         const char *labels[] = {"lblprogressivo='N.'", "lblingresso='Entrata'", "lbluscita='Uscita'", "lbltarga='Kennzeichen'",
                                 "lblimporto='Importo'", "lblnote='Note dell''operatore'"};
         for (int i = 0; i < 6; ++i)
@@ -155,55 +170,50 @@ private slots:
         QCOMPARE(r.lastPageCount(), 1);
         QVERIFY(p.messages.isEmpty());
 
-        const reports::LaidOutSection detail = r.laidOut(QStringLiteral("detail")).value(0);
-        QCOMPARE(detail.named.value(QStringLiteral("targa")), QStringLiteral("BB222BB"));
-        QCOMPARE(detail.named.value(QStringLiteral("progressivo")), QStringLiteral("2"));
-        QCOMPARE(detail.named.value(QStringLiteral("Importo")), QStringLiteral("4.50"));
-        QCOMPARE(detail.named.value(QStringLiteral("note")), QStringLiteral("l'auto blu"));
-        QCOMPARE(detail.named.value(QStringLiteral("ore")), QStringLiteral("2:30"));
-        QVERIFY(detail.texts.contains(QStringLiteral("Kennzeichen")));
-        QVERIFY(detail.texts.contains(QStringLiteral("Note dell'operatore")));
-        QVERIFY(r.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Garage Centrale")));
+        const reports::LaidOutSection detail = r.laidOut(u"detail"_s).value(0);
+        QCOMPARE(detail.named.value(u"targa"_s), u"BB222BB"_s);
+        QCOMPARE(detail.named.value(u"progressivo"_s), u"2"_s);
+        QCOMPARE(detail.named.value(u"Importo"_s), u"4.50"_s);
+        QCOMPARE(detail.named.value(u"note"_s), u"l'auto blu"_s);
+        QCOMPARE(detail.named.value(u"ore"_s), u"2:30"_s);
+        QVERIFY(detail.texts.contains(u"Kennzeichen"_s));
+        QVERIFY(detail.texts.contains(u"Note dell'operatore"_s));
+        QVERIFY(r.laidOut(u"reportHeader"_s).value(0).texts.contains(u"Garage Centrale"_s));
 
-        QFile pdf(m_out.filePath(QStringLiteral("out%1.pdf").arg(m_file)));
-        QVERIFY(pdf.open(QIODevice::ReadOnly));
-        QVERIFY(pdf.read(4) == "%PDF");
-        QVERIFY(pdf.size() > 1000);
+        const QByteArray pdf = bytesOf(m_out.filePath(u"out%1.pdf"_s.arg(m_file)));
+        QVERIFY(pdf.startsWith("%PDF") && pdf.size() > 1000);
 
         // Formulas stay by index: a second run with only the selection changed keeps the labels.
-        const qint64 inside = db().scalar(QStringLiteral("select id from Movimentazioni where Progressivo = 3")).toLongLong();
-        r.setSelectionFormula(QStringLiteral("{Q_Movimentazioni_Utenti.Id}=") + QString::number(inside));
+        const qint64 inside = db().scalar(u"select id from Movimentazioni where Progressivo = 3"_s).toLongLong();
+        r.setSelectionFormula(u"{Q_Movimentazioni_Utenti.Id}="_s + QString::number(inside));
         QVERIFY(r.setAction(1));
-        const reports::LaidOutSection second = r.laidOut(QStringLiteral("detail")).value(0);
-        QCOMPARE(second.named.value(QStringLiteral("targa")), QStringLiteral("CC333CC"));
-        QVERIFY(second.texts.contains(QStringLiteral("Kennzeichen")));
-        QCOMPARE(second.named.value(QStringLiteral("Importo")), QString()); // no amount while the vehicle is inside
+        const reports::LaidOutSection second = r.laidOut(u"detail"_s).value(0);
+        QCOMPARE(second.named.value(u"targa"_s), u"CC333CC"_s);
+        QVERIFY(second.texts.contains(u"Kennzeichen"_s));
+        QCOMPARE(second.named.value(u"Importo"_s), QString()); // no amount while the vehicle is inside
     }
 
     void parkingSelectionPicksTheRows()
     {
-        TestDatabase base;
         traffic(4, 1, 5, 1);
         traffic(4, 2, 7, 6);
-        movement(13, at(4, 2, 9), QDateTime(), QStringLiteral("ZZ999ZZ"), 0);
-        movement(14, at(4, 3, 9), at(4, 3, 11), QStringLiteral("AB100CD"), 5, true);
+        movement(13, at(4, 2, 9), QDateTime(), u"ZZ999ZZ"_s, 0);
+        movement(14, at(4, 3, 9), at(4, 3, 11), u"AB100CD"_s, 5, true);
 
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("park"));
+        CrystalReport &r = report(u"park"_s);
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
         QCOMPARE(r.lastRowCount(), 14);
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("movimenti")), QStringLiteral("14"));
+        QCOMPARE(named(r, u"reportFooter"_s, u"movimenti"_s), u"14"_s);
         // The cancelled stay is listed but its money isn't counted: 12 paid stays of 2.50.
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("importoTotale")), QStringLiteral("30.00"));
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("annullati")), QStringLiteral("1"));
-        QCOMPARE(r.laidOut(QStringLiteral("groupFooter:giorno")).size(), 3);
-        QCOMPARE(named(r, QStringLiteral("groupFooter:giorno"), QStringLiteral("importoGiorno"), 1), QStringLiteral("17.50"));
+        QCOMPARE(named(r, u"reportFooter"_s, u"importoTotale"_s), u"30.00"_s);
+        QCOMPARE(named(r, u"reportFooter"_s, u"annullati"_s), u"1"_s);
+        QCOMPARE(r.laidOut(u"groupFooter:giorno"_s).size(), 3);
+        QCOMPARE(named(r, u"groupFooter:giorno"_s, u"importoGiorno"_s, 1), u"17.50"_s);
 
-        r.setSelectionFormula(QStringLiteral("{Q_Movimentazioni_Utenti.entrato} = true"));
+        r.setSelectionFormula(u"{Q_Movimentazioni_Utenti.entrato} = true"_s);
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastRowCount(), 1);
-        QCOMPARE(named(r, QStringLiteral("detail"), QStringLiteral("targa")), QStringLiteral("ZZ999ZZ"));
+        QCOMPARE(named(r, u"detail"_s, u"targa"_s), u"ZZ999ZZ"_s);
 
         // The window by the clock on every day of the period, as the parking report's window writes it.
         r.setSelectionFormula(QStringLiteral(
@@ -215,36 +225,33 @@ private slots:
         // On 2 April the stays of 08:00, 08:20, 08:40 and 09:00, on 3 April the one of 09:00; 07:00 to 07:40 are outside the window.
         QCOMPARE(r.lastRowCount(), 5);
 
-        r.setSelectionFormula(QStringLiteral("{Q_Movimentazioni_Utenti.targa} = \"AB100CD\""));
+        r.setSelectionFormula(u"{Q_Movimentazioni_Utenti.targa} = \"AB100CD\""_s);
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastRowCount(), 3);
     }
 
     void parkingGraphsAndPages()
     {
-        TestDatabase base;
         traffic(5, 4, 10, 1);
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("park"));
-        r.setFormulas(0, QStringLiteral("OmetteGrafGiorni=true"));
-        r.setFormulas(1, QStringLiteral("OmetteGrafOre=true"));
+        CrystalReport &r = report(u"park"_s);
+        r.setFormulas(0, u"OmetteGrafGiorni=true"_s);
+        r.setFormulas(1, u"OmetteGrafOre=true"_s);
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastPageCount(), 1);
-        QVERIFY(r.laidOut(QStringLiteral("GROUPFTR")).isEmpty());
-        const QStringList first = r.laidOut(QStringLiteral("pageFooter")).value(0).texts;
-        QVERIFY2(first.contains(QStringLiteral("1 / 1")), qPrintable(first.join(QLatin1Char('|'))));
+        QVERIFY(r.laidOut(u"GROUPFTR"_s).isEmpty());
+        const QStringList first = r.laidOut(u"pageFooter"_s).value(0).texts;
+        QVERIFY2(first.contains(u"1 / 1"_s), qPrintable(first.join(QLatin1Char('|'))));
 
-        r.setFormulas(0, QStringLiteral("OmetteGrafGiorni=false"));
-        r.setFormulas(1, QStringLiteral("OmetteGrafOre=false"));
-        r.setGraphText(0, QStringLiteral(" GROUPFTR.0.0; 0; Ingressi per ora;;;;;;Ore;"));
-        r.setGraphText(1, QStringLiteral(" GROUPFTR.0.1; 0;Ingressi per giorno;;;;;Giorni;Veicoli;"));
+        r.setFormulas(0, u"OmetteGrafGiorni=false"_s);
+        r.setFormulas(1, u"OmetteGrafOre=false"_s);
+        r.setGraphText(0, u" GROUPFTR.0.0; 0; Ingressi per ora;;;;;;Ore;"_s);
+        r.setGraphText(1, u" GROUPFTR.0.1; 0;Ingressi per giorno;;;;;Giorni;Veicoli;"_s);
         QVERIFY(r.setAction(1));
         QVERIFY(r.lastPageCount() >= 2);
-        const reports::LaidOutSection hours = r.laidOut(QStringLiteral("GROUPFTR.0.0")).value(0);
-        QCOMPARE(hours.graphTitles, QStringList{QStringLiteral("Ingressi per ora")});
+        const reports::LaidOutSection hours = r.laidOut(u"GROUPFTR.0.0"_s).value(0);
+        QCOMPARE(hours.graphTitles, QStringList{u"Ingressi per ora"_s});
         QCOMPARE(hours.graphBuckets, QList<int>{4}); // 07 to 10 o'clock
-        QCOMPARE(r.laidOut(QStringLiteral("GROUPFTR.0.1")).value(0).graphBuckets, QList<int>{1});
+        QCOMPARE(r.laidOut(u"GROUPFTR.0.1"_s).value(0).graphBuckets, QList<int>{1});
         const int withGraphs = r.lastPageCount();
 
         // Many rows: more pages, numbered n / N throughout.
@@ -254,117 +261,103 @@ private slots:
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastRowCount(), 130);
         QVERIFY(r.lastPageCount() >= withGraphs + 2);
-        const QList<reports::LaidOutSection> footers = r.laidOut(QStringLiteral("pageFooter"));
+        const QList<reports::LaidOutSection> footers = r.laidOut(u"pageFooter"_s);
         QCOMPARE(footers.size(), r.lastPageCount());
-        QVERIFY(footers.last().texts.contains(QStringLiteral("%1 / %1").arg(r.lastPageCount())));
-        QCOMPARE(r.laidOut(QStringLiteral("GROUPFTR.0.1")).value(0).graphBuckets, QList<int>{4});
-        QCOMPARE(r.laidOut(QStringLiteral("pageHeader")).size(), r.lastPageCount());
+        QVERIFY(footers.last().texts.contains(u"%1 / %1"_s.arg(r.lastPageCount())));
+        QCOMPARE(r.laidOut(u"GROUPFTR.0.1"_s).value(0).graphBuckets, QList<int>{4});
+        QCOMPARE(r.laidOut(u"pageHeader"_s).size(), r.lastPageCount());
     }
 
     void cashBookCarriesAndRunsTheBalance()
     {
-        TestDatabase base;
-        db().execute(QStringLiteral("delete from TabProgressivi where Anno = '2026'"));
-        db().execute(QStringLiteral("insert into TabProgressivi (Anno, Progressivo, EntrataPrecedente, UscitaPrecedente) values ('2026', 0, 100, 30)"));
-        cash(QDate(2026, 1, 10), QStringLiteral("Canone gennaio"), 50, 0);
-        cash(QDate(2026, 1, 20), QStringLiteral("Pulizie"), 0, 20);
-        cash(QDate(2026, 2, 5), QStringLiteral("Incassi parcheggio"), 1200, 0);
-        db().execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata, Uscita, Esercizio) values (?, 'Senza importi', null, null, '2026')"),
+        db().execute(u"delete from TabProgressivi where Anno = '2026'"_s);
+        db().execute(u"insert into TabProgressivi (Anno, Progressivo, EntrataPrecedente, UscitaPrecedente) values ('2026', 0, 100, 30)"_s);
+        cash(QDate(2026, 1, 10), u"Canone gennaio"_s, 50, 0);
+        cash(QDate(2026, 1, 20), u"Pulizie"_s, 0, 20);
+        cash(QDate(2026, 2, 5), u"Incassi parcheggio"_s, 1200, 0);
+        db().execute(u"insert into Cassa (Data, Descrizione, Entrata, Uscita, Esercizio) values (?, 'Senza importi', null, null, '2026')"_s,
                      {QDate(2026, 2, 6).startOfDay()});
 
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("cassa"));
-        r.setFormulas(0, QStringLiteral("EntrataPeriodo=1000.0000"));
-        r.setFormulas(1, QStringLiteral("UscitaPeriodo=400.0000"));
-        r.setFormulas(2, QStringLiteral("DataPeriodo='01/01/2026'"));
-        r.setFormulas(4, QStringLiteral("OmetteGrafSaldo=false"));
-        r.setFormulas(10, QStringLiteral("lbltitolo='Cassa'"));
-        r.setSelectionFormula(QStringLiteral("{TabProgressivi.Anno}='2026'"));
+        CrystalReport &r = report(u"cassa"_s);
+        r.setFormulas(0, u"EntrataPeriodo=1000.0000"_s);
+        r.setFormulas(1, u"UscitaPeriodo=400.0000"_s);
+        r.setFormulas(2, u"DataPeriodo='01/01/2026'"_s);
+        r.setFormulas(4, u"OmetteGrafSaldo=false"_s);
+        r.setFormulas(10, u"lbltitolo='Cassa'"_s);
+        r.setSelectionFormula(u"{TabProgressivi.Anno}='2026'"_s);
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
         QCOMPARE(r.lastRowCount(), 4);
 
         // 70 carried from earlier years and 600 before the first day: the rows run from 670.
-        QCOMPARE(named(r, QStringLiteral("reportHeader"), QStringLiteral("saldoIniziale")), QStringLiteral("70.00"));
-        QCOMPARE(named(r, QStringLiteral("reportHeader"), QStringLiteral("saldoRiportato")), QStringLiteral("600.00"));
+        QCOMPARE(named(r, u"reportHeader"_s, u"saldoIniziale"_s), u"70.00"_s);
+        QCOMPARE(named(r, u"reportHeader"_s, u"saldoRiportato"_s), u"600.00"_s);
         QStringList balances;
-        for (const reports::LaidOutSection &s : r.laidOut(QStringLiteral("detail")))
-            balances << s.named.value(QStringLiteral("saldo"));
-        QCOMPARE(balances, (QStringList{QStringLiteral("720.00"), QStringLiteral("700.00"), QStringLiteral("1,900.00"),
-                                        QStringLiteral("1,900.00")}));
-        QCOMPARE(named(r, QStringLiteral("groupFooter:mese"), QStringLiteral("entrateMese")), QStringLiteral("50.00"));
-        QCOMPARE(named(r, QStringLiteral("groupFooter:mese"), QStringLiteral("usciteMese")), QStringLiteral("20.00"));
-        QCOMPARE(named(r, QStringLiteral("groupFooter:mese"), QStringLiteral("saldoMese")), QStringLiteral("700.00"));
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("entrateTotali")), QStringLiteral("1,250.00"));
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("saldoTotale")), QStringLiteral("1,900.00"));
-        QVERIFY(r.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Cassa")));
-        QCOMPARE(r.laidOut(QStringLiteral("GROUPFTR.0.1")).value(0).graphBuckets, QList<int>{4});
+        for (const reports::LaidOutSection &s : r.laidOut(u"detail"_s))
+            balances << s.named.value(u"saldo"_s);
+        QCOMPARE(balances, (QStringList{u"720.00"_s, u"700.00"_s, u"1,900.00"_s, u"1,900.00"_s}));
+        QCOMPARE(named(r, u"groupFooter:mese"_s, u"entrateMese"_s), u"50.00"_s);
+        QCOMPARE(named(r, u"groupFooter:mese"_s, u"usciteMese"_s), u"20.00"_s);
+        QCOMPARE(named(r, u"groupFooter:mese"_s, u"saldoMese"_s), u"700.00"_s);
+        QCOMPARE(named(r, u"reportFooter"_s, u"entrateTotali"_s), u"1,250.00"_s);
+        QCOMPARE(named(r, u"reportFooter"_s, u"saldoTotale"_s), u"1,900.00"_s);
+        QVERIFY(r.laidOut(u"reportHeader"_s).value(0).texts.contains(u"Cassa"_s));
+        QCOMPARE(r.laidOut(u"GROUPFTR.0.1"_s).value(0).graphBuckets, QList<int>{4});
 
         // Only the money in: the rows narrow, the carried sums stay.
-        r.setSelectionFormula(QStringLiteral("{TabProgressivi.Anno}='2026' and isnull({Cassa.uscita}) or {Cassa.uscita}=0"));
-        r.setFormulas(4, QStringLiteral("OmetteGrafSaldo=true"));
-        r.setPrintFileName(m_out.filePath(QStringLiteral("cash-in.pdf")));
+        r.setSelectionFormula(u"{TabProgressivi.Anno}='2026' and isnull({Cassa.uscita}) or {Cassa.uscita}=0"_s);
+        r.setFormulas(4, u"OmetteGrafSaldo=true"_s);
+        r.setPrintFileName(m_out.filePath(u"cash-in.pdf"_s));
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastRowCount(), 3);
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("saldoTotale")), QStringLiteral("1,920.00"));
-        QVERIFY(r.laidOut(QStringLiteral("GROUPFTR")).isEmpty());
+        QCOMPARE(named(r, u"reportFooter"_s, u"saldoTotale"_s), u"1,920.00"_s);
+        QVERIFY(r.laidOut(u"GROUPFTR"_s).isEmpty());
     }
 
     void emptyCashBookPrintsLabels()
     {
-        TestDatabase base;
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("cassa"));
-        r.setSelectionFormula(QStringLiteral("{TabProgressivi.Anno}='2026'"));
+        CrystalReport &r = report(u"cassa"_s);
+        r.setSelectionFormula(u"{TabProgressivi.Anno}='2026'"_s);
         QVERIFY(r.setAction(1));
         QCOMPARE(r.lastRowCount(), 0);
         QCOMPARE(r.lastPageCount(), 1);
-        QVERIFY(r.laidOut(QStringLiteral("pageHeader")).value(0).texts.contains(QStringLiteral("Description")));
+        QVERIFY(r.laidOut(u"pageHeader"_s).value(0).texts.contains(u"Description"_s));
     }
 
     void sortFieldsOrderTheList()
     {
-        TestDatabase base;
         for (const char *name : {"Rossi Mario", "Bianchi Anna", "Verdi Luca", "Neri Carla"}) {
             const QStringList parts = QString::fromUtf8(name).split(QLatin1Char(' '));
-            db().execute(QStringLiteral("insert into Clienti (Cliente, Cognome, Nome, \"Tel Cel\") values (-1, ?, ?, '333')"), {parts[0], parts[1]});
+            db().execute(u"insert into Clienti (Cliente, Cognome, Nome, \"Tel Cel\") values (-1, ?, ?, '333')"_s, {parts[0], parts[1]});
         }
-        db().execute(QStringLiteral("insert into Clienti (Cliente, Cognome) values (0, 'Fornitore')"));
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("Elenco"));
-        r.setSelectionFormula(QStringLiteral("{Q_Clienti_Utenti.Cliente}=true"));
+        db().execute(u"insert into Clienti (Cliente, Cognome) values (0, 'Fornitore')"_s);
+        CrystalReport &r = report(u"Elenco"_s);
+        r.setSelectionFormula(u"{Q_Clienti_Utenti.Cliente}=true"_s);
         auto names = [&] {
             QStringList out;
-            for (const reports::LaidOutSection &s : r.laidOut(QStringLiteral("detail")))
-                out << s.named.value(QStringLiteral("nominativo"));
+            for (const reports::LaidOutSection &s : r.laidOut(u"detail"_s))
+                out << s.named.value(u"nominativo"_s);
             return out;
         };
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
-        QCOMPARE(names(), (QStringList{QStringLiteral("Bianchi Anna"), QStringLiteral("Neri Carla"), QStringLiteral("Rossi Mario"),
-                                       QStringLiteral("Verdi Luca")}));
-        QCOMPARE(named(r, QStringLiteral("reportFooter"), QStringLiteral("totale")), QStringLiteral("4"));
+        QCOMPARE(names(), (QStringList{u"Bianchi Anna"_s, u"Neri Carla"_s, u"Rossi Mario"_s, u"Verdi Luca"_s}));
+        QCOMPARE(named(r, u"reportFooter"_s, u"totale"_s), u"4"_s);
 
-        r.setSortFields(0, QStringLiteral("-{@Nominativo}"));
+        r.setSortFields(0, u"-{@Nominativo}"_s);
         QVERIFY(r.setAction(1));
-        QCOMPARE(names().first(), QStringLiteral("Verdi Luca"));
-        r.setSortFields(0, QStringLiteral("+{Q_Clienti_Utenti.Nome}"));
+        QCOMPARE(names().first(), u"Verdi Luca"_s);
+        r.setSortFields(0, u"+{Q_Clienti_Utenti.Nome}"_s);
         QVERIFY(r.setAction(1));
-        QCOMPARE(names().first(), QStringLiteral("Bianchi Anna"));
-        QCOMPARE(names().last(), QStringLiteral("Rossi Mario"));
+        QCOMPARE(names().first(), u"Bianchi Anna"_s);
+        QCOMPARE(names().last(), u"Rossi Mario"_s);
     }
 
     void formulaErrorsChangeNothing()
     {
-        TestDatabase base;
         traffic(6, 1, 3, 1);
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("park"));
+        CrystalReport &r = report(u"park"_s);
         QVERIFY(r.setAction(1));
         const int pages = r.lastPageCount();
-        r.setSelectionFormula(QStringLiteral("{Q_Movimentazioni_Utenti.targa} = = 'X'"));
+        r.setSelectionFormula(u"{Q_Movimentazioni_Utenti.targa} = = 'X'"_s);
         QVERIFY(!r.setAction(1));
         QCOMPARE(p.messages.size(), 1);
         QVERIFY2(p.messages.at(0).text.contains(QLatin1String("selection")), qPrintable(p.messages.at(0).text));
@@ -372,7 +365,7 @@ private slots:
         QCOMPARE(r.lastRowCount(), 3);
 
         r.setSelectionFormula(QString());
-        r.setSortFields(0, QStringLiteral("+{Q_Movimentazioni_Utenti.NonEsiste}"));
+        r.setSortFields(0, u"+{Q_Movimentazioni_Utenti.NonEsiste}"_s);
         QVERIFY(!r.setAction(1));
         QVERIFY(p.messages.last().text.contains(QLatin1String("SortFields(0)")));
     }
@@ -381,10 +374,7 @@ private slots:
     {
         if (!QPrinterInfo::defaultPrinter().isNull())
             QSKIP("this machine has a printer");
-        TestDatabase base;
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("Movimento"));
+        CrystalReport &r = report(u"Movimento"_s);
         r.setDestination(CrystalReport::ToPrinter);
         QVERIFY(!r.setAction(1));
         QCOMPARE(p.messages.size(), 1);
@@ -393,22 +383,19 @@ private slots:
 
     void previewOpensInItsOwnWindow()
     {
-        TestDatabase base;
         traffic(7, 1, 4, 1);
-        ScriptedPrompter p;
-        CrystalReport r(p);
-        prepare(r, QStringLiteral("park"));
+        CrystalReport &r = report(u"park"_s);
         r.setDestination(CrystalReport::ToWindow);
         r.setWindowState(2);
-        r.setWindowTitle(QStringLiteral("Parking report"));
+        r.setWindowTitle(u"Parking report"_s);
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
         auto *preview = qobject_cast<QPrintPreviewDialog *>(r.previewWindow());
         QVERIFY(preview);
         QVERIFY(preview->isVisible());
         QVERIFY(!preview->isModal());
-        QCOMPARE(preview->windowTitle(), QStringLiteral("Parking report"));
+        QCOMPARE(preview->windowTitle(), u"Parking report"_s);
         QVERIFY(preview->windowState() & Qt::WindowMaximized);
-        QVERIFY(preview->findChild<QAction *>(QStringLiteral("savePdf")));
+        QVERIFY(preview->findChild<QAction *>(u"savePdf"_s));
         QTimer::singleShot(50, preview, &QWidget::close);
         QTRY_VERIFY(!r.previewWindow());
         QVERIFY(p.messages.isEmpty());
@@ -431,21 +418,14 @@ private slots:
 
     void hostileTemplatesAreRefused()
     {
-        QFETCH(QByteArray, page);
-        QFETCH(QByteArray, detail);
-        QFETCH(int, rows);
-        QFETCH(QString, told);
-        TestDatabase base;
+        QFETCH(QByteArray, page); QFETCH(QByteArray, detail); QFETCH(int, rows); QFETCH(QString, told);
         store::Transaction t(db());
         for (int i = 0; i < rows; ++i)
-            cash(QDate(2026, 1, 1), QStringLiteral("riga"), 1, 0);
+            cash(QDate(2026, 1, 1), u"riga"_s, 1, 0);
         t.commit();
-        ScriptedPrompter p;
-        CrystalReport r(p);
         const QString file = writeTemplate("<report><data source=\"Cassa\"/><page " + page + "/><section type=\"detail\" " + detail +
                                            "</section></report>");
-        prepare(r, file);
-        QVERIFY(!r.setAction(1));
+        QVERIFY(!report(file).setAction(1));
         QCOMPARE(p.messages.size(), 1);
         QVERIFY2(p.messages.at(0).text.contains(QFileInfo(file).fileName()) && p.messages.at(0).text.contains(told),
                  qPrintable(p.messages.at(0).text));

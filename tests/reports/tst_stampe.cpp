@@ -74,9 +74,7 @@ private slots:
     }
     void parkSelection()
     {
-        QFETCH(QString, targa);
-        QFETCH(int, stato);
-        QFETCH(int, date);
+        QFETCH(QString, targa); QFETCH(int, stato); QFETCH(int, date);
         OpzioniPark o;
         o.targa = targa;
         o.stato = OpzioniPark::Stato(stato);
@@ -106,8 +104,7 @@ private slots:
     }
     void cashSelection()
     {
-        QFETCH(int, righe);
-        QFETCH(bool, conDate);
+        QFETCH(int, righe); QFETCH(bool, conDate);
         OpzioniCassa o;
         o.righe = OpzioniCassa::Righe(righe);
         if (conDate) {

@@ -11,6 +11,8 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
+#include <TestWindows.h>
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -32,19 +34,6 @@ using frame::TestoLingua;
 using safety::CatalogueEntry;
 
 namespace {
-
-QByteArray bytesOf(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &data)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(f.write(data), data.size());
-}
 
 // Every file of a folder, hidden ones too: a half-written backup would be hidden.
 QStringList filesIn(const QString &folder)
@@ -113,18 +102,6 @@ struct SlowUser final : Prompter {
     ScriptedPrompter &inner;
     int covered = 0;
 };
-
-// Runs `f` on the modal window once its event loop is up.
-template <typename F>
-void whenModal(const F &f)
-{
-    QTimer::singleShot(10, [f] {
-        if (QWidget *w = QApplication::activeModalWidget())
-            f(w);
-        else
-            whenModal(f);
-    });
-}
 
 template <typename T>
 T *child(QWidget *w, const char *name)
@@ -228,8 +205,7 @@ private slots:
 
     void roundTrip()
     {
-        QFETCH(bool, compressed);
-        QFETCH(char, levelByte);
+        QFETCH(bool, compressed); QFETCH(char, levelByte);
         QCOMPARE(safety::backupFileName(QDateTime(QDate(2006, 3, 6), QTime(14, 5, 9))), u"DB2006_03_06__14_05_09.zl"_s);
         store::Connections::close(working());
         const QByteArray original = bytesOf(working());
@@ -271,9 +247,7 @@ private slots:
 
     void automaticDeletion()
     {
-        QFETCH(bool, autoDelete);
-        QFETCH(int, keep);
-        QFETCH(QStringList, left);
+        QFETCH(bool, autoDelete); QFETCH(int, keep); QFETCH(QStringList, left);
         listFile(dest(), u"DB2020.zl"_s, QDateTime(QDate(2020, 1, 1), QTime(9, 0)), true);
         listFile(dest(), u"DB2021.zl"_s, QDateTime(QDate(2021, 1, 1), QTime(9, 0)), true);
         const std::optional<QString> file = backup(true, autoDelete, keep);

@@ -9,6 +9,7 @@
 #include <ScriptedPrompter.h>
 #include <SettingsStore.h>
 #include <TestDatabase.h>
+#include <TestFiles.h>
 #include <Update.h>
 #include <Version.h>
 #include <frmAggiornaMDB.h>
@@ -29,34 +30,8 @@ const int V = frame::VersioneMinore;
 const QString Key = u"quartzel"_s;
 const QString Coda = u";PWD=quartzel"_s;
 
-// Keeps the title of each box too, which the shared scripted prompter does not.
-struct TitlePrompter final : frame::Prompter {
-    struct Box {
-        QString text;
-        Icon icon;
-        QString title;
-    };
-    QList<Box> shown;
-    void message(const QString &text, Icon icon, const QString &title) override { shown << Box{text, icon, title}; }
-    Answer question(const QString &, Buttons, Answer d, const QString &, Icon) override { return d; }
-    std::optional<QString> input(const QString &, const QString &, const QString &) override { return std::nullopt; }
-};
-
 QString section() { return QString::fromLatin1(frame::SettingsStore::Section); }
 QString setting(const QString &sec, const QString &key) { return frame::SettingsStore::get(sec, key, u"<none>"_s); }
-
-QByteArray bytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &data)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(data);
-}
 
 // One text per row of a one-column query.
 QStringList texts(store::Database &db, const QString &sql)
@@ -186,16 +161,16 @@ private slots:
         makeOldClienti(db);
         db.executeScript(u"CREATE TRIGGER blocca BEFORE UPDATE OF Canone ON Clienti BEGIN SELECT RAISE(ABORT, 'bloccato'); END;"_s);
         const QStringList before = columns(db, u"Clienti"_s);
-        TitlePrompter p;
+        ScriptedPrompter p;
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"^AddFieldsBasedati \\[Clienti\\]\\.\\[Canone\\]: .*bloccato"_s));
         QVERIFY(!safety::EseguiAggiornamento(V, p));
         QCOMPARE(columns(db, u"Clienti"_s), before);
         QCOMPARE(count(db, u"Clienti"_s), 3);
-        QCOMPARE(p.shown.size(), 2);
-        QCOMPARE(p.shown[0].text, TestoLingua("M0045") + u"\n[Clienti].[Canone]"_s);
-        QCOMPARE(p.shown[0].title, TestoLingua("M0035") + u" AddFieldsBasedati"_s);
-        QCOMPARE(p.shown[1].text, TestoLingua("M0044"));
-        QCOMPARE(p.shown[1].icon, frame::Prompter::Icon::Stop);
+        QCOMPARE(p.messages.size(), 2);
+        QCOMPARE(p.messages[0].text, TestoLingua("M0045") + u"\n[Clienti].[Canone]"_s);
+        QCOMPARE(p.messages[0].title, TestoLingua("M0035") + u" AddFieldsBasedati"_s);
+        QCOMPARE(p.messages[1].text, TestoLingua("M0044"));
+        QCOMPARE(p.messages[1].icon, frame::Prompter::Icon::Stop);
         QCOMPARE(frame::LeggeImpostazione(u"VerDatabase"_s).toInt(), 0);
         QCOMPARE(setting(section(), u"VerDatabase"_s), u"<none>"_s);
         QVERIFY(safety::AggiornamentoDovuto(V));
@@ -206,7 +181,7 @@ private slots:
         TestDatabase tdb;
         store::Database &db = frame::basedati();
         db.executeScript(u"CREATE TABLE Prova (id INTEGER PRIMARY KEY)"_s);
-        TitlePrompter p;
+        ScriptedPrompter p;
         const QList<QPair<int, QString>> kinds = {{1, "YESNO"}, {2, "LONG"},   {3, "LONG"},     {4, "LONG"},  {6, "CURRENCY"},
                                                   {7, "DOUBLE"}, {8, "DATE"}, {10, "TEXT(25)"}, {12, "MEMO"}};
         QStringList expected{u"id INTEGER"_s};
@@ -218,10 +193,10 @@ private slots:
 
         // An unsupported kind: the message, and the table keeps its fields.
         QVERIFY(!safety::AppendNewField(db, u"Prova"_s, u"Strano"_s, 5, false, 0, true, p));
-        QCOMPARE(p.shown.size(), 1);
-        QCOMPARE(p.shown[0].text, TestoLingua("M0040"));
-        QCOMPARE(p.shown[0].title, u"Errore"_s);
-        QCOMPARE(p.shown[0].icon, frame::Prompter::Icon::Exclamation);
+        QCOMPARE(p.messages.size(), 1);
+        QCOMPARE(p.messages[0].text, TestoLingua("M0040"));
+        QCOMPARE(p.messages[0].title, u"Errore"_s);
+        QCOMPARE(p.messages[0].icon, frame::Prompter::Icon::Exclamation);
         QCOMPARE(columns(db, u"Prova"_s), expected);
 
         // Required and no zero length bind the rows written afterwards.
@@ -260,18 +235,18 @@ private slots:
         TestDatabase tdb;
         fillWorking(frame::basedati());
         store::Connections::closeAll();
-        const QByteArray original = bytes(tdb.path());
+        const QByteArray original = bytesOf(tdb.path());
         // The scratch name is taken by a folder.
         QVERIFY(QDir(tdb.folder()).mkdir(u"dataap.mdb"_s));
         QVERIFY(!safety::CompattaMdb(tdb.folder(), u"basedati.mdb"_s, Coda));
-        QCOMPARE(bytes(tdb.path()), original);
+        QCOMPARE(bytesOf(tdb.path()), original);
         QVERIFY(QDir(tdb.folder()).rmdir(u"dataap.mdb"_s));
         // A wrong key, a missing file, a file named as the scratch.
         QVERIFY(!safety::CompattaMdb(tdb.folder(), u"basedati.mdb"_s, u";pwd=wrong"_s));
         QVERIFY(!safety::CompattaMdb(tdb.folder(), u"missing.mdb"_s, Coda));
         QVERIFY(!safety::CompattaMdb(tdb.folder(), u"dataap.mdb"_s, Coda));
         QVERIFY(!safety::CompattaMdb(QString(), u"basedati.mdb"_s, Coda));
-        QCOMPARE(bytes(tdb.path()), original);
+        QCOMPARE(bytesOf(tdb.path()), original);
         QVERIFY(!QFileInfo::exists(tdb.folder() + u"/dataap.mdb"_s));
         // A folder that refuses new files (not for root, whom no permission stops).
         if (geteuid() != 0) {
@@ -279,7 +254,7 @@ private slots:
             const bool done = safety::CompattaMdb(tdb.folder(), u"basedati.mdb"_s, Coda);
             QFile::setPermissions(tdb.folder(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
             QVERIFY(!done);
-            QCOMPARE(bytes(tdb.path()), original);
+            QCOMPARE(bytesOf(tdb.path()), original);
         }
     }
 
@@ -313,7 +288,7 @@ private slots:
             QCOMPARE(status.value(status.size() - 1), step.told);
         }
         QCOMPARE(status.mid(0, 2), (QStringList{TestoLingua("M0020"), TestoLingua("M0021")}));
-        QCOMPARE(bytes(frame::pub().PercorsoLocadati), QByteArray(4096, 'x'));
+        QCOMPARE(bytesOf(frame::pub().PercorsoLocadati), QByteArray(4096, 'x'));
         frame::pub().CartellaProgramma = saved;
     }
 
@@ -325,14 +300,14 @@ private slots:
         fillWorking(frame::basedati());
         const QMap<QString, qint64> before = tableCounts(frame::basedati());
         store::Connections::closeAll();
-        const QByteArray original = bytes(tdb.path());
+        const QByteArray original = bytesOf(tdb.path());
         const QString scratch = tdb.folder() + u"/dataap.mdb"_s;
         writeBytes(scratch, "left over");
         writeBytes(scratch + u"-journal"_s, "left over");
         ScriptedPrompter p;
         p.answer(frame::Prompter::Answer::Cancel);
         QVERIFY(!safety::CompattazioneServizio(p));
-        QCOMPARE(bytes(tdb.path()), original);
+        QCOMPARE(bytesOf(tdb.path()), original);
         QVERIFY(p.questions.first().startsWith(TestoLingua("M0104") + u'\n'));
         QVERIFY(p.questions.first().endsWith(TestoLingua("M0107") + u", "_s + TestoLingua("M0029")));
         QVERIFY(p.messages.isEmpty());
@@ -373,11 +348,11 @@ private slots:
         for (int i = 0; i < 20000; ++i)
             junk.append(char((i * 7919) % 251));
         writeBytes(tdb.folder() + u"/rotto.mdb"_s, junk);
-        const QByteArray original = bytes(tdb.path());
+        const QByteArray original = bytesOf(tdb.path());
         QVERIFY(!safety::RiparaDatabase(tdb.path(), u";PWD=other"_s));
         QVERIFY(!safety::RiparaDatabase(tdb.folder() + u"/rotto.mdb"_s, Coda));
-        QCOMPARE(bytes(tdb.path()), original);
-        QCOMPARE(bytes(tdb.folder() + u"/rotto.mdb"_s), junk);
+        QCOMPARE(bytesOf(tdb.path()), original);
+        QCOMPARE(bytesOf(tdb.folder() + u"/rotto.mdb"_s), junk);
         QVERIFY(!QFileInfo::exists(tdb.folder() + u"/dataap.mdb"_s));
 
         const QString path = tdb.folder() + u"/grande.mdb"_s;
@@ -393,7 +368,7 @@ private slots:
             // The index comes last, so that the damaged page below is one of the table's.
             db.executeScript(u"CREATE INDEX Grande_x ON Grande (x)"_s);
         }
-        QByteArray damaged = bytes(path);
+        QByteArray damaged = bytesOf(path);
         damaged.replace((damaged.size() / 1024) / 4 * 1024 + 200, 32, QByteArray(32, 'X'));
         writeBytes(path, damaged);
         QVERIFY(safety::RiparaDatabase(path, Coda));

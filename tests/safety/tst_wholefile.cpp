@@ -15,6 +15,7 @@
 
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
+#include <TestWindows.h>
 
 #include <QDir>
 #include <QLabel>
@@ -94,8 +95,7 @@ private slots:
         pub().PercorsoElencoBackup = QDir(m_db->folder()).filePath(QStringLiteral("ElencoBackup.mdb"));
         pub().CodaConnessione = QStringLiteral(";PWD=quartzel");
         pub().FasciaDefault = QStringLiteral("01");
-        pub().StampaEntrata = pub().StampaUscita = false;
-        pub().TgObbligatoria = false;
+        pub().StampaEntrata = pub().StampaUscita = pub().TgObbligatoria = false;
         pub().OpModificare = pub().OpAnnullare = pub().OpContabilizzare = false;
         pub().FormatoData = QStringLiteral("dd/MM/yyyy");
     }
@@ -164,9 +164,7 @@ private slots:
         QFETCH(Lavoro, lavoro);
         parking::frmPark park(m_prompter);
         park.setAttribute(Qt::WA_DeleteOnClose, false);
-        park.show();
-        QApplication::setActiveWindow(&park);
-        QVERIFY(QTest::qWaitForWindowActive(&park));
+        QVERIFY(showActive(&park));
         auto *targa = park.findChild<QLineEdit *>(QStringLiteral("TxtT_0"));
         auto *azione = park.findChild<QPushButton *>(QStringLiteral("CmdEntraEsce"));
         const auto entra = [&](const QString &t) {

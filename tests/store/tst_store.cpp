@@ -8,6 +8,8 @@
 #include <Schema.h>
 #include <UnicodeText.h>
 
+#include <TestFiles.h>
+
 #include <QtTest>
 
 #include <cmath>
@@ -90,9 +92,7 @@ private slots:
     }
     void openRejectsWrongKeyAndOtherFiles()
     {
-        QFETCH(QString, file);
-        QFETCH(QString, key);
-        QFETCH(int, code);
+        QFETCH(QString, file); QFETCH(QString, key); QFETCH(int, code);
         QString path = dir().filePath(u"other.mdb"_s);
         if (file == "junk"_L1 || file == "text"_L1) {
             QByteArray bytes("hello\n");
@@ -101,8 +101,7 @@ private slots:
                 for (int i = 0; i < bytes.size(); ++i)
                     bytes[i] = char((i * 7919 + 13) % 251);
             }
-            QFile f(path);
-            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size());
+            writeBytes(path, bytes);
         } else if (file == "plain"_L1) {
             Database plain(path, QString(), Database::Mode::Create);
             plain.execute(u"create table t (x)"_s);
@@ -171,10 +170,7 @@ private slots:
     }
     void likeMatch()
     {
-        QFETCH(QString, pattern);
-        QFETCH(QString, text);
-        QFETCH(QString, escape);
-        QFETCH(bool, matches);
+        QFETCH(QString, pattern); QFETCH(QString, text); QFETCH(QString, escape); QFETCH(bool, matches);
         QCOMPARE(store::likeMatch(pattern, text, escape.isEmpty() ? QChar() : escape.at(0)), matches);
         // The same through the LIKE operator of a connection.
         Database mem(u":memory:"_s, QString(), Database::Mode::Create);
@@ -229,9 +225,7 @@ private slots:
     }
     void currencyParse()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, ok);
-        QFETCH(qint64, raw);
+        QFETCH(QString, text); QFETCH(bool, ok); QFETCH(qint64, raw);
         Currency c = Currency::fromRaw(42);
         QCOMPARE(Currency::parse(text, &c), ok);
         QCOMPARE(c.raw(), ok ? raw : qint64(42)); // a failed parse leaves the target alone
@@ -251,8 +245,7 @@ private slots:
     }
     void currencyPlainText()
     {
-        QFETCH(qint64, raw);
-        QFETCH(QString, text);
+        QFETCH(qint64, raw); QFETCH(QString, text);
         const Currency c = Currency::fromRaw(raw);
         QCOMPARE(c.toPlainText(), text);
         QCOMPARE(c.toPlainText(u','), QString(text).replace(u'.', u','));
@@ -280,9 +273,7 @@ private slots:
     }
     void currencyFromDouble()
     {
-        QFETCH(double, value);
-        QFETCH(bool, tie);
-        QFETCH(qint64, raw);
+        QFETCH(double, value); QFETCH(bool, tie); QFETCH(qint64, raw);
         if (tie)
             QCOMPARE(std::fabs(std::fmod(value * 10000, 1.0)), 0.5); // the case really is a tie
         QCOMPARE(Currency::fromDouble(value).raw(), raw);
@@ -310,9 +301,7 @@ private slots:
     }
     void kindFromDeclaredType()
     {
-        QFETCH(QString, declared);
-        QFETCH(int, kind);
-        QFETCH(int, size);
+        QFETCH(QString, declared); QFETCH(int, kind); QFETCH(int, size);
         int got = -7;
         QCOMPARE(int(store::kindFromDeclaredType(declared, &got)), kind);
         QCOMPARE(got, size);
@@ -349,9 +338,7 @@ private slots:
     }
     void fieldsThroughView()
     {
-        QFETCH(QString, name);
-        QFETCH(int, kind);
-        QFETCH(QString, table);
+        QFETCH(QString, name); QFETCH(int, kind); QFETCH(QString, table);
         Recordset view(db(), u"select * from Q_Movimentazioni_Utenti where id = -1"_s);
         QVERIFY(view.updatable());
         QCOMPARE(view.baseTable(), u"Movimentazioni"_s);
@@ -521,8 +508,7 @@ private slots:
     }
     void findFirst()
     {
-        QFETCH(QString, wanted);
-        QFETCH(int, position);
+        QFETCH(QString, wanted); QFETCH(int, position);
         for (const char *t : {"XY000XY", "AB123CD", "CITTÀ", "AB123CD"})
             addMovement(db(), QString::fromUtf8(t));
         Recordset rs(db(), u"select * from Movimentazioni order by id"_s);
@@ -782,8 +768,7 @@ private slots:
     }
     void keyFromConnect()
     {
-        QFETCH(QString, connect);
-        QFETCH(QString, key);
+        QFETCH(QString, connect); QFETCH(QString, key);
         QCOMPARE(store::keyFromConnect(connect), key);
     }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ScriptedPrompter.h"
 
-void ScriptedPrompter::message(const QString &text, Icon icon, const QString &)
+void ScriptedPrompter::message(const QString &text, Icon icon, const QString &title)
 {
-    messages << Shown{text, icon};
+    messages << Shown{text, icon, title};
 }
 
 frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons, Answer defaultAnswer, const QString &,
@@ -11,11 +11,21 @@ frame::Prompter::Answer ScriptedPrompter::question(const QString &text, Buttons,
 {
     questions << text;
     questionIcons << icon;
+    if (atQuestion)
+        std::exchange(atQuestion, nullptr)();
     if (m_answers.isEmpty()) {
         ++unanswered;
         return defaultAnswer;
     }
     return m_answers.takeFirst();
+}
+
+QStringList ScriptedPrompter::texts() const
+{
+    QStringList v;
+    for (const Shown &m : messages)
+        v << m.text;
+    return v;
 }
 
 std::optional<QString> ScriptedPrompter::input(const QString &prompt, const QString &, const QString &)
