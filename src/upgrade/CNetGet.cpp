@@ -103,6 +103,8 @@ int CodiceDaErrore(QNetworkReply::NetworkError errore)
     case E::OperationNotImplementedError:
     case E::ServiceUnavailableError:
     case E::UnknownServerError:
+    case E::TooManyRedirectsError:
+    case E::InsecureRedirectError:
         return ErroreServer;
     case E::ProtocolUnknownError:
         return ErroreSchema;
