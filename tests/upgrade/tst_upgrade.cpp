@@ -46,22 +46,11 @@ yW/90JFoWaOTbTR6/rxbKt86SDqhRANCAARIjCyM04tZuVg1DuNdbacW6JB/ET+Y
 hDQACCNZZ5qJtgZgCwZxdyfckDcFyhg/slXZQ5SEzK0FvWsvJyQIRHg+
 -----END PRIVATE KEY-----)";
 
-// An HTTP server on the loopback (HTTPS when `sicuro`): each path answers as its route says;
-// every request head is kept.
+// An HTTP server on the loopback (HTTPS when `sicuro`): each path answers as it is
+// told to; any other gets 404. Every request head is kept.
 class Server final : public QObject {
 public:
-    enum Modo { Intero, Tronco, Fermo, Lento };
-    struct Rotta {
-        Rotta(QByteArray c = {}, Modo m = Intero, int s = 200, QByteArray p = {})
-            : corpo(std::move(c)), modo(m), stato(s), posizione(std::move(p))
-        {
-        }
-        QByteArray corpo;
-        Modo modo;
-        int stato;
-        QByteArray posizione; // where a redirect leads
-    };
-    QHash<QByteArray, Rotta> rotte;
+    enum Modo { Intero, Tronco, Fermo, Lento, Rinvio }; // Rinvio: the body is where a redirect leads
     QList<QByteArray> richieste;
 
     explicit Server(bool sicuro = false) : m_sicuro(sicuro)
@@ -80,6 +69,7 @@ public:
         // Announced once a connection is ready, after the handshake for HTTPS.
         connect(m_ascolto, &QTcpServer::pendingConnectionAvailable, this, &Server::accetta);
     }
+    void servi(const QByteArray &percorso, const QByteArray &corpo, Modo modo = Intero) { m_rotte[percorso] = {corpo, modo}; }
     QString url(const QByteArray &percorso = QByteArray()) const
     {
         return QStringLiteral("%1://127.0.0.1:%2").arg(m_sicuro ? "https" : "http").arg(m_ascolto->serverPort())
@@ -89,6 +79,7 @@ public:
 private:
     bool m_sicuro;
     QTcpServer *m_ascolto;
+    QHash<QByteArray, std::pair<QByteArray, Modo>> m_rotte;
 
     void accetta()
     {
@@ -96,33 +87,32 @@ private:
             auto testa = std::make_shared<QByteArray>();
             connect(s, &QTcpSocket::readyRead, s, [this, s, testa] {
                 testa->append(s->readAll());
-                if (!testa->contains("\r\n\r\n"))
-                    return;
-                richieste << *testa;
-                rispondi(s, rotte.value(testa->split(' ').value(1), Rotta{{}, Intero, 404, {}}));
+                if (testa->contains("\r\n\r\n")) {
+                    richieste << *testa;
+                    rispondi(s, testa->split(' ').value(1));
+                }
             });
         }
     }
-    void rispondi(QTcpSocket *s, const Rotta &r)
+    void rispondi(QTcpSocket *s, const QByteArray &percorso)
     {
-        QByteArray testa = "HTTP/1.1 " + QByteArray::number(r.stato) + " X\r\nConnection: close\r\nContent-Length: "
-                           + QByteArray::number(r.corpo.size()) + "\r\n";
-        if (!r.posizione.isEmpty())
-            testa += "Location: " + r.posizione + "\r\n";
-        s->write(testa + "\r\n");
-        if (r.modo == Intero || r.modo == Tronco) {
-            s->write(r.modo == Intero ? r.corpo : r.corpo.left(r.corpo.size() / 2));
-            s->disconnectFromHost();
-        } else if (r.modo == Lento) {
+        const auto [corpo, modo] = m_rotte.value(percorso);
+        const QByteArray stato = !m_rotte.contains(percorso) ? "404" : modo == Rinvio ? "302" : "200";
+        s->write("HTTP/1.1 " + stato + " X\r\nConnection: close\r\nContent-Length: "
+                 + QByteArray::number(modo == Rinvio ? 0 : corpo.size()) + "\r\n"
+                 + (modo == Rinvio ? "Location: " + corpo + "\r\n" : QByteArray()) + "\r\n");
+        if (modo == Lento) {
             auto *goccia = new QTimer(s);
             auto inviati = std::make_shared<qsizetype>(0);
-            connect(goccia, &QTimer::timeout, s, [s, r, inviati] {
-                s->write(r.corpo.mid(*inviati, 16384));
-                *inviati += 16384;
-                if (*inviati >= r.corpo.size())
+            connect(goccia, &QTimer::timeout, s, [s, corpo, inviati] {
+                s->write(corpo.mid(*inviati, 16384));
+                if ((*inviati += 16384) >= corpo.size())
                     s->disconnectFromHost();
             });
             goccia->start(5);
+        } else if (modo != Fermo) {
+            s->write(modo == Intero ? corpo : modo == Tronco ? corpo.left(corpo.size() / 2) : QByteArray());
+            s->disconnectFromHost();
         }
     }
 };
@@ -139,9 +129,13 @@ QString testo(const QString &chiaveOTesto)
     return t.isEmpty() ? chiaveOTesto : t;
 }
 
+QLabel *etichetta(QWidget *w, const char *nome)
+{
+    return w->findChild<QLabel *>(QString::fromLatin1(nome));
+}
+
 // A program that, once started, leaves a mark beside itself.
 const QByteArray Programma = "#!/bin/sh\ntouch \"$(dirname \"$0\")/avviato\"\n" + QByteArray(300000, '#') + '\n';
-const QByteArray Descrittore = "/software/veltano/upgrade.txt";
 
 } // namespace
 
@@ -161,40 +155,35 @@ private slots:
     // Qt Network's failures read as the platform's texts; numbers out of the table have none.
     void errorTable_data()
     {
-        QTest::addColumn<int>("errore");
+        QTest::addColumn<int>("numero");
         QTest::addColumn<QString>("atteso");
         using E = QNetworkReply;
-        QTest::newRow("refused") << int(E::ConnectionRefusedError) << "The attempt to connect to the server failed.";
-        QTest::newRow("closed") << int(E::RemoteHostClosedError) << "The connection with the server has been terminated.";
-        QTest::newRow("no host") << int(E::HostNotFoundError) << "The server name could not be resolved.";
-        QTest::newRow("timeout") << int(E::TimeoutError) << "The request has timed out.";
-        QTest::newRow("404") << int(E::ContentNotFoundError) << "The requested item could not be located.";
-        QTest::newRow("500") << int(E::InternalServerError) << "An extended error was returned from the server.";
-        QTest::newRow("proxy") << int(E::ProxyNotFoundError) << "The request can not be made via a proxy.";
-        QTest::newRow("scheme") << int(E::ProtocolUnknownError)
-                                << "The URL scheme could not be recognized, or is not supported.";
-        QTest::newRow("network down") << int(E::TemporaryNetworkFailureError)
-                                      << "Direct network access cannot be made at this time. ";
-        QTest::newRow("tls") << int(E::SslHandshakeFailedError) << "Error details not available.";
+        const auto qt = [](const char *nome, E::NetworkError e, const char *atteso) {
+            QTest::newRow(nome) << upgrade::CodiceDaErrore(e) << atteso;
+        };
+        qt("refused", E::ConnectionRefusedError, "The attempt to connect to the server failed.");
+        qt("closed", E::RemoteHostClosedError, "The connection with the server has been terminated.");
+        qt("no host", E::HostNotFoundError, "The server name could not be resolved.");
+        qt("timeout", E::TimeoutError, "The request has timed out.");
+        qt("404", E::ContentNotFoundError, "The requested item could not be located.");
+        qt("proxy", E::ProxyNotFoundError, "The request can not be made via a proxy.");
+        qt("scheme", E::ProtocolUnknownError, "The URL scheme could not be recognized, or is not supported.");
+        qt("tls", E::SslHandshakeFailedError, "Error details not available.");
+        QTest::newRow("12032") << 12032 << "Error details not available.";
+        QTest::newRow("12036") << 12036 << "The request failed because the handle already exists.";
     }
     void errorTable()
     {
-        QFETCH(int, errore);
+        QFETCH(int, numero);
         QFETCH(QString, atteso);
-        QCOMPARE(CNetGet::TranslateErrorCode(upgrade::CodiceDaErrore(QNetworkReply::NetworkError(errore))), atteso);
-    }
-    void errorNumbersOutsideTheTable()
-    {
-        for (int n : {12032, 12035, 0, 99999})
-            QCOMPARE(CNetGet::TranslateErrorCode(n), QStringLiteral("Error details not available."));
-        QCOMPARE(CNetGet::TranslateErrorCode(12036), QStringLiteral("The request failed because the handle already exists."));
+        QCOMPARE(CNetGet::TranslateErrorCode(numero), atteso);
     }
 
     // Reads into memory: what it tells, what it sends, what it keeps; failures before any connection.
     void readUrl_data()
     {
-        QTest::addColumn<QString>("url"); // a path on the server, or a whole address
-        QTest::addColumn<QString>("agente");
+        QTest::addColumn<QString>("url"); // a path on the server ("s/..." over HTTPS), or a whole address
+        QTest::addColumn<QString>("agente"); // "-": no session opened
         QTest::addColumn<qint64>("byte");
         QTest::addColumn<QString>("errore");
         QTest::newRow("page") << "/pagina" << "" << qint64(13) << "";
@@ -202,13 +191,15 @@ private slots:
         QTest::newRow("empty body") << "/vuota" << "" << qint64(0) << "";
         QTest::newRow("404") << "/manca" << "" << qint64(0) << "The requested item could not be located.";
         QTest::newRow("redirect") << "/altrove" << "" << qint64(13) << "";
+        QTest::newRow("https") << "s/pagina" << "" << qint64(13) << "";
+        QTest::newRow("https, then a redirect to http") << "s/insicuro" << "" << qint64(0)
+                                                        << "An extended error was returned from the server.";
         QTest::newRow("no host") << "http://" << "" << qint64(0) << "The URL is invalid.";
         QTest::newRow("relative") << "pagina" << "" << qint64(0) << "The URL is invalid.";
         QTest::newRow("ftp") << "ftp://127.0.0.1/x" << "" << qint64(0)
                              << "The URL scheme could not be recognized, or is not supported.";
-        QTest::newRow("https") << "s/pagina" << "" << qint64(13) << "";
-        QTest::newRow("https, then a redirect to http") << "s/insicuro" << "" << qint64(0)
-                                                   << "An extended error was returned from the server.";
+        QTest::newRow("no session") << "/pagina" << "-" << qint64(0)
+                                    << "The type of handle supplied is incorrect for this operation.";
     }
     void readUrl()
     {
@@ -217,23 +208,24 @@ private slots:
         QFETCH(qint64, byte);
         QFETCH(QString, errore);
         const bool sicuro = url.startsWith(QLatin1String("s/"));
-        if (sicuro)
-            url.remove(0, 1);
         Server server(sicuro), insicuro;
-        server.rotte["/pagina"] = {"  a\\b\tc\\\\d \r\n"};
-        server.rotte["/vuota"] = {};
-        server.rotte["/altrove"] = {{}, Server::Intero, 302, "/pagina"};
-        server.rotte["/insicuro"] = {{}, Server::Intero, 302, insicuro.url("/pagina").toLatin1()};
-        insicuro.rotte["/pagina"] = server.rotte["/pagina"];
-        if (url.startsWith(QLatin1Char('/')))
-            url = server.url(url.toLatin1());
+        server.servi("/pagina", "  a\\b\tc\\\\d \r\n");
+        server.servi("/vuota", "");
+        server.servi("/altrove", "/pagina", Server::Rinvio);
+        server.servi("/insicuro", insicuro.url("/pagina").toLatin1(), Server::Rinvio);
+        insicuro.servi("/pagina", "x");
+        if (url.startsWith(QLatin1Char('/')) || sicuro)
+            url = server.url(url.mid(sicuro).toLatin1());
         Registro registro;
         CNetGet net;
-        net.Init(agente);
         net.SetStatusWindow(&registro);
+        net.Term(); // with no session open, it only says so
+        if (agente != QLatin1String("-"))
+            net.Init(agente); // closes first: a second "Ready"
         QCOMPARE(net.ReadUrl(url), byte);
         QCOMPARE(net.GetLastError(), errore);
-        QCOMPARE(registro.testi.first(), QStringLiteral("Opening: ") + url);
+        QCOMPARE(registro.testi.first(), QStringLiteral("Ready"));
+        QVERIFY(registro.testi.contains(QStringLiteral("Opening: ") + url));
         QCOMPARE(registro.testi.last(), QStringLiteral("Ready"));
         if (byte > 0) {
             QVERIFY(registro.testi.contains(QStringLiteral("Reading Url: 13 bytes read")));
@@ -246,24 +238,11 @@ private slots:
         }
     }
 
-    // Without a session nothing is read; closing twice, or without opening, only says "Ready".
-    void withoutSession()
-    {
-        Registro registro;
-        CNetGet net;
-        net.SetStatusWindow(&registro);
-        net.Term();
-        QCOMPARE(registro.testi, QStringList{QStringLiteral("Ready")});
-        QCOMPARE(net.ReadUrl(QStringLiteral("http://127.0.0.1:1/")), qint64(0));
-        QCOMPARE(net.GetLastError(), QStringLiteral("The type of handle supplied is incorrect for this operation."));
-        net.SetStatusWindow(nullptr);
-    }
-
     // A read asked for while one runs does nothing, and the running one ends well.
     void secondReadWhileOneRuns()
     {
         Server server;
-        server.rotte["/lento"] = {QByteArray(400000, 'x'), Server::Lento};
+        server.servi("/lento", QByteArray(400000, 'x'), Server::Lento);
         CNetGet net;
         net.Init();
         qint64 annidata = -1;
@@ -290,45 +269,48 @@ private slots:
         QFETCH(QString, mostrato);
         QFETCH(int, barra);
         Server server;
-        server.rotte["/p"] = {Programma};
+        server.servi("/p", Programma);
         QTemporaryDir dir;
-        const QString file = dir.filePath(QStringLiteral("p"));
         upgrade::frmDownload finestra;
-        QCOMPARE(finestra.Download(server.url("/p"), file, totale), QString());
-        QCOMPARE(finestra.findChild<QLabel *>(QStringLiteral("Lblprimopiano"))->text(), mostrato);
-        QCOMPARE(finestra.findChild<QLabel *>(QStringLiteral("LblBarra"))->width(), barra);
-        QFile letto(file);
-        QVERIFY(letto.open(QIODevice::ReadOnly));
-        QCOMPARE(letto.readAll(), Programma);
+        QCOMPARE(finestra.Download(server.url("/p"), dir.filePath(QStringLiteral("p")), totale), QString());
+        QCOMPARE(etichetta(&finestra, "Lblprimopiano")->text(), mostrato);
+        QCOMPARE(etichetta(&finestra, "LblBarra")->width(), barra);
+        QCOMPARE(QFileInfo(dir.filePath(QStringLiteral("p"))).size(), Programma.size());
     }
 
     // The whole check against a descriptor and a program file served here.
     void check_data()
     {
-        QTest::addColumn<QByteArray>("descrittore"); // null: none served
-        QTest::addColumn<int>("modo");                // how the program file is served; -1: a redirect
+        QTest::addColumn<QByteArray>("descrittore"); // null: none served; "refused": the site is down
+        QTest::addColumn<int>("modo");                // how the program file is served
         QTest::addColumn<bool>("accetta");            // the answer to the offer
-        QTest::addColumn<QString>("ultimo");          // the last message, by key or text
+        QTest::addColumn<QString>("ultimo");          // how the last message begins, by key or text
         const QByteArray sha = QCryptographicHash::hash(Programma, QCryptographicHash::Sha256).toHex();
-        const QByteArray dim = QByteArray::number(Programma.size());
-        const QByteArray nuovo = "[Veltano]\r\nVer=Veltano_1_2_0.bin\r\nMessage=Faster lists\r\n";
+        const QByteArray dim = "Dim=" + QByteArray::number(Programma.size()) + "\r\n";
+        // Underscores of the name itself don't count: the version is read from the end.
+        const QByteArray nuovo = "[Veltano]\r\nVer=My_Veltano_1_2_0.bin\r\nMessage=Faster lists\r\n";
         const auto riga = [](const char *nome, const QByteArray &d, int modo, const QString &ultimo, bool accetta = true) {
             QTest::newRow(nome) << d << modo << accetta << ultimo;
         };
-        riga("newer, checksum matches", nuovo + "Dim=" + dim + "\r\nSha256=" + sha.toUpper(), Server::Intero, "VERU4");
+        static const char junk[] = "\x00\xff[Veltano]\x01\nVer\x00=x";
+        riga("newer, checksum matches", nuovo + dim + "Sha256=" + sha.toUpper(), Server::Intero, "VERU4");
         riga("same version", "[veltano]\nVer=Veltano_1_1_0.bin\n", Server::Intero, "VERU5");
         riga("older minor, higher revision", "[Veltano]\nVer=Veltano_1_0_9.bin\n", Server::Intero, "VERU5");
         riga("no underscores", "[Veltano]\nVer=Veltano.bin\n", Server::Intero, "VERU6");
+        riga("two numbers", "[Veltano]\nVer=Veltano_1_2.bin\n", Server::Intero, "VERU6");
+        riga("letters in the version", "[Veltano]\nVer=Veltano_1_b_3.bin\n", Server::Intero, "VERU6");
+        riga("no extension", "[Veltano]\nVer=Veltano_1_2_3\n", Server::Intero, "VERU6");
         riga("Dim missing", nuovo, Server::Intero, "VERU4");
         riga("body larger than Dim", nuovo + "Dim=10", Server::Intero, "VERU4");
-        riga("redirect", nuovo + "Dim=" + dim, -1, "VERU4");
+        riga("redirect", nuovo + dim, Server::Rinvio, "VERU4");
         riga("offer declined", nuovo, Server::Intero, "", false);
-        riga("truncated body", nuovo + "Dim=" + dim, Server::Tronco, "The connection with the server has been terminated.");
+        riga("truncated body", nuovo + dim, Server::Tronco, "The connection with the server has been terminated.");
         riga("server stalls", nuovo, Server::Fermo, "The request has timed out.");
-        riga("stopped half-way", nuovo + "Dim=" + dim, Server::Lento, "The operation was cancelled.");
+        riga("stopped half-way", nuovo + dim, Server::Lento, "The operation was cancelled.");
         riga("checksum differs", nuovo + "Sha256=" + QByteArray(64, 'a'), Server::Intero, "VERU8");
         riga("descriptor missing", QByteArray(), Server::Intero, "The requested item could not be located.");
-        static const char junk[] = "\x00\xff[Veltano]\x01\nVer\x00=x";
+        riga("site refused", "refused", Server::Intero, "peref");
+        riga("program folder unwritable", nuovo, Server::Intero, "VERU7");
         riga("binary junk", QByteArray(junk, sizeof junk - 1) + QByteArray(3000, '\xfe'), Server::Intero, "VERU6");
         riga("10 MB descriptor", nuovo + QByteArray(10 << 20, 'x'), Server::Intero, "VERU6");
         riga("no section", "Ver=Veltano_1_2_0.bin\n", Server::Intero, "VERU6");
@@ -345,17 +327,25 @@ private slots:
         QFETCH(QString, ultimo);
         Server server;
         if (!descrittore.isNull())
-            server.rotte[Descrittore] = {descrittore};
-        const QByteArray programma = "/software/veltano/Veltano_1_2_0.bin";
-        server.rotte[modo < 0 ? "/altrove/p" : programma] = {Programma, Server::Modo(std::max(modo, 0))};
-        if (modo < 0)
-            server.rotte[programma] = {{}, Server::Intero, 301, "/altrove/p"};
+            server.servi("/software/veltano/upgrade.txt", descrittore);
+        server.servi("/software/veltano/My_Veltano_1_2_0.bin", modo == Server::Rinvio ? "/altrove/p" : Programma, Server::Modo(modo));
+        server.servi("/altrove/p", Programma);
         // The program folder lies two levels deep: a path in `Ver` would climb to `radice`.
         QTemporaryDir radice;
-        const QString cartella = radice.filePath(QStringLiteral("a/b/"));
+        QString cartella = radice.filePath(QStringLiteral("a/b/"));
         QVERIFY(QDir().mkpath(cartella));
+        if (ultimo == QLatin1String("VERU7")) {
+            // A file where the folder should be: nothing can be written under it, whoever runs the test.
+            QVERIFY(QFile(radice.filePath(QStringLiteral("file"))).open(QIODevice::WriteOnly));
+            cartella = radice.filePath(QStringLiteral("file/"));
+        }
         frame::pub().CartellaProgramma = cartella;
         frame::pub().IndirizzoSito = server.url("/");
+        if (descrittore == "refused") {
+            QTcpServer spenta;
+            spenta.listen(QHostAddress::LocalHost);
+            frame::pub().IndirizzoSito = QStringLiteral("http://127.0.0.1:%1/").arg(spenta.serverPort());
+        }
 
         ScriptedPrompter prompter;
         prompter.answer(frame::Prompter::Answer::Ok);
@@ -366,14 +356,14 @@ private slots:
         ambiente.corrente = {1, 1, 0};
         ambiente.eseguibile = cartella + QStringLiteral("Veltano");
         // A stop half-way, pressed on the window; and a second check asked for meanwhile, which does nothing.
-        bool secondo = true;
+        bool secondo = modo == Server::Lento;
         QTimer stop;
         connect(&stop, &QTimer::timeout, [&] {
             for (QWidget *w : QApplication::topLevelWidgets())
                 if (w->objectName() == QLatin1String("frmDownload") && w->isVisible()
-                    && w->findChild<QLabel *>(QStringLiteral("LblByte"))->text().toLongLong() > Programma.size() / 2) {
+                    && etichetta(w, "LblByte")->text().toLongLong() > Programma.size() / 2) {
                     secondo = upgrade::ControlloAggiornamento(prompter, finestre, ambiente);
-                    QTest::mouseClick(w->findChild<QLabel *>(QStringLiteral("LblStop")), Qt::LeftButton);
+                    QTest::mouseClick(etichetta(w, "LblStop"), Qt::LeftButton);
                 }
         });
         if (modo == Server::Lento)
@@ -381,12 +371,13 @@ private slots:
 
         const bool consegnato = upgrade::ControlloAggiornamento(prompter, finestre, ambiente);
         QCOMPARE(consegnato, ultimo == QLatin1String("VERU4"));
-        QCOMPARE(prompter.messages.isEmpty() ? QString() : prompter.messages.last().text, testo(ultimo));
+        QVERIFY((prompter.messages.isEmpty() ? QStringLiteral("") : prompter.messages.last().text).startsWith(testo(ultimo)));
         QCOMPARE(prompter.unanswered, 0);
+        QVERIFY(!secondo);
         QVERIFY(!QFile::exists(radice.filePath(QStringLiteral("bin"))));
-        QStringList attesi{QStringLiteral("upgrade.txt")};
         if (ultimo == QLatin1String("VERU5") || ultimo == QLatin1String("VERU6"))
             QCOMPARE(server.richieste.size(), 1);
+        QSet<QString> attesi{QStringLiteral("upgrade.txt")};
         if (consegnato) {
             QVERIFY(prompter.questions.last().contains(QStringLiteral("1.1.0\n")));
             QVERIFY(prompter.questions.last().contains(QStringLiteral("1.2.0\n")));
@@ -395,65 +386,26 @@ private slots:
             QCOMPARE(frame::SettingsStore::get(QStringLiteral("Impostazioni"), QStringLiteral("path")), ambiente.eseguibile);
             QVERIFY(QFileInfo(cartella + QStringLiteral("Upgrade")).isExecutable());
             QTRY_VERIFY(QFile::exists(cartella + QStringLiteral("avviato")));
-            attesi << QStringLiteral("Upgrade") << QStringLiteral("Veltano_1_2_0.bin") << QStringLiteral("avviato");
+            attesi += {QStringLiteral("Upgrade"), QStringLiteral("My_Veltano_1_2_0.bin"), QStringLiteral("avviato")};
         }
-        if (modo == Server::Lento)
-            QVERIFY(!secondo);
         // Nothing else lands in the program folder: no partial file, no temporary left.
-        QStringList trovati = QDir(cartella).entryList(QDir::Files | QDir::Hidden);
-        trovati.removeAll(QStringLiteral("upgrade.txt"));
-        attesi.removeAll(QStringLiteral("upgrade.txt"));
-        QCOMPARE(QSet<QString>(trovati.begin(), trovati.end()), QSet<QString>(attesi.begin(), attesi.end()));
-    }
-
-    // A site that can't be reached, a program folder that can't be written: a clear word, nothing done.
-    void checkCannotStart()
-    {
-        QTemporaryDir radice;
-        QFile bloccante(radice.filePath(QStringLiteral("file")));
-        QVERIFY(bloccante.open(QIODevice::WriteOnly));
-        bloccante.close();
-        Server server;
-        server.rotte[Descrittore] = {"[Veltano]\nVer=Veltano_9_0_0.bin\n"};
-        quint16 chiusa;
-        {
-            QTcpServer spenta;
-            spenta.listen(QHostAddress::LocalHost);
-            chiusa = spenta.serverPort();
-        }
-        const struct {
-            QString sito, cartella, ultimo;
-        } casi[] = {
-            {QStringLiteral("http://127.0.0.1:%1/").arg(chiusa), radice.path() + QLatin1Char('/'), testo("peref")},
-            {server.url("/"), bloccante.fileName() + QLatin1Char('/'),
-             testo("VERU7") + QLatin1Char('\n') + bloccante.fileName() + QLatin1Char('/')},
-        };
-        for (const auto &c : casi) {
-            frame::pub().IndirizzoSito = c.sito;
-            frame::pub().CartellaProgramma = c.cartella;
-            ScriptedPrompter prompter;
-            prompter.answer(frame::Prompter::Answer::Ok);
-            upgrade::ScaricaConFinestra finestre(nullptr);
-            QVERIFY(!upgrade::ControlloAggiornamento(prompter, finestre, {}));
-            QCOMPARE(prompter.messages.last().text, c.ultimo);
-            QCOMPARE(server.richieste.size(), 0);
-        }
-        QCOMPARE(QDir(radice.path()).entryList(QDir::Files), QStringList{QStringLiteral("file")});
+        const QStringList trovati = QDir(cartella).entryList(QDir::Files | QDir::Hidden);
+        QVERIFY(attesi.contains(QSet<QString>(trovati.begin(), trovati.end())));
+        QCOMPARE(trovati.size() - trovati.contains(QStringLiteral("upgrade.txt")), attesi.size() - 1);
     }
 
     // The copy entry, in a scratch folder with an installed program of its own.
     void copyEntry_data()
     {
         QTest::addColumn<QString>("nome");
-        QTest::addColumn<QString>("path");      // the key Path, under the scratch folder
+        QTest::addColumn<QString>("path"); // the key Path, under the scratch folder
         QTest::addColumn<QStringList>("argomenti");
-        QTest::addColumn<QString>("copiato");   // where the copy lands; "" for none
-        QTest::addColumn<bool>("errore");
-        QTest::newRow("lower-case name") << "upgrade" << "installato/Veltano" << QStringList() << "installato/Veltano" << false;
-        QTest::newRow("no Path, the program named") << "Upgrade" << "" << QStringList{"Veltano"} << "Veltano" << false;
-        QTest::newRow("another name") << "Veltano2" << "installato/Veltano" << QStringList() << "" << false;
-        QTest::newRow("target folder missing") << "UPGRADE" << "manca/Veltano" << QStringList() << "" << true;
-        QTest::newRow("nothing names the target") << "Upgrade" << "" << QStringList() << "" << true;
+        QTest::addColumn<QString>("copiato"); // where the copy lands; "" for none
+        QTest::newRow("lower-case name") << "upgrade" << "installato/Veltano" << QStringList() << "installato/Veltano";
+        QTest::newRow("no Path, the program named") << "Upgrade" << "" << QStringList{"Veltano"} << "Veltano";
+        QTest::newRow("another name") << "Veltano2" << "installato/Veltano" << QStringList() << "";
+        QTest::newRow("target folder missing") << "UPGRADE" << "manca/Veltano" << QStringList() << "";
+        QTest::newRow("nothing names the target") << "Upgrade" << "" << QStringList() << "";
     }
     void copyEntry()
     {
@@ -461,28 +413,22 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QStringList, argomenti);
         QFETCH(QString, copiato);
-        QFETCH(bool, errore);
         QTemporaryDir dir;
         QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("installato")));
-        for (const QString &vecchio : {QStringLiteral("installato/Veltano"), QStringLiteral("Veltano")}) {
-            QFile f(dir.filePath(vecchio));
+        const QStringList vecchi{QStringLiteral("installato/Veltano"), QStringLiteral("Veltano")};
+        for (const QString &nomeFile : vecchi + QStringList{nome}) {
+            QFile f(dir.filePath(nomeFile));
             QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("old");
+            f.write(nomeFile == nome ? Programma : QByteArray("old"));
         }
-        QFile nuovo(dir.filePath(nome));
-        QVERIFY(nuovo.open(QIODevice::WriteOnly));
-        nuovo.write(Programma);
-        nuovo.close();
         frame::SettingsStore::save(QStringLiteral("Impostazioni"), QStringLiteral("Path"), path.isEmpty() ? path : dir.filePath(path));
         ScriptedPrompter prompter;
-
-        QCOMPARE(upgrade::EntrataCopia(prompter, nuovo.fileName(), argomenti, 0), nome.toUpper() == QLatin1String("UPGRADE"));
-        QCOMPARE(prompter.messages.size(), int(errore));
-        if (errore) {
-            QVERIFY(prompter.messages.first().text.endsWith(QStringLiteral(" Close The Program and repeat the operation")));
-            QCOMPARE(prompter.messages.first().icon, frame::Prompter::Icon::Stop);
-        }
-        for (const QString &vecchio : {QStringLiteral("installato/Veltano"), QStringLiteral("Veltano")}) {
+        const bool copia = nome.toUpper() == QLatin1String("UPGRADE");
+        QCOMPARE(upgrade::EntrataCopia(prompter, dir.filePath(nome), argomenti, 0), copia);
+        QCOMPARE(prompter.messages.size(), int(copia && copiato.isEmpty()));
+        for (const auto &m : prompter.messages)
+            QVERIFY(m.text.endsWith(" Close The Program and repeat the operation") && m.icon == frame::Prompter::Icon::Stop);
+        for (const QString &vecchio : vecchi) {
             QFile f(dir.filePath(vecchio));
             QVERIFY(f.open(QIODevice::ReadOnly));
             QCOMPARE(f.readAll(), vecchio == copiato ? Programma : QByteArray("old"));
@@ -491,30 +437,9 @@ private slots:
             QVERIFY(QFileInfo(dir.filePath(copiato)).isExecutable());
             QTRY_VERIFY(QFile::exists(QFileInfo(dir.filePath(copiato)).absolutePath() + QStringLiteral("/avviato")));
         }
+        // No temporary copy stays beside the target.
         QCOMPARE(QDir(dir.filePath(QStringLiteral("installato"))).entryList(QDir::Files | QDir::Hidden).size(),
                  copiato.startsWith(QLatin1String("installato")) ? 2 : 1);
-    }
-
-    // Versions read off a file name, compared at the first part that differs.
-    void versions_data()
-    {
-        QTest::addColumn<QString>("ver");
-        QTest::addColumn<QString>("versione"); // "" when the name has no version
-        QTest::newRow("plain") << "Veltano_1_2_3.exe" << "1.2.3";
-        QTest::newRow("underscores in the name") << "My_App_10_0_12.bin" << "10.0.12";
-        QTest::newRow("no extension") << "Veltano_1_2_3" << "";
-        QTest::newRow("two numbers") << "Veltano_1_2.exe" << "";
-        QTest::newRow("letters") << "Veltano_1_b_3.exe" << "";
-        QTest::newRow("empty part") << "Veltano_1__3.exe" << "";
-    }
-    void versions()
-    {
-        QFETCH(QString, ver);
-        QFETCH(QString, versione);
-        const auto v = upgrade::VersioneDaNome(ver);
-        QCOMPARE(v ? v->testo() : QString(), versione);
-        QVERIFY((upgrade::Versione{1, 0, 9} < upgrade::Versione{1, 1, 0}));
-        QVERIFY((upgrade::Versione{2, 0, 0} > upgrade::Versione{1, 9, 9}));
     }
 
     // A key read as the private-profile call reads it.
@@ -527,19 +452,14 @@ private slots:
         QTest::newRow("cut at a null") << QByteArray("[Veltano]\nVer=ab\0cd\n", 20) << "ab";
         QTest::newRow("254 characters") << "[Veltano]\nVer=" + QByteArray(300, 'x') << QString(254, 'x');
         QTest::newRow("other section") << QByteArray("[Altro]\nVer=a\n[Veltano]\nMessage=b\n") << "";
-        QTest::newRow("comment") << QByteArray("[Veltano]\n;Ver=a\nVer=b\nVer=c\n") << "b";
+        QTest::newRow("comment, then the first") << QByteArray("[Veltano]\n;Ver=a\nVer=b\nVer=c\n") << "b";
     }
     void profile()
     {
         QFETCH(QByteArray, contenuto);
         QFETCH(QString, valore);
         QCOMPARE(upgrade::LeggeProfilo(contenuto, QStringLiteral("Veltano"), QStringLiteral("Ver")), valore);
-    }
-
-    void commandLine()
-    {
-        QCOMPARE(upgrade::DividiRiga(QStringLiteral("\"/a b/Upgrade\" Veltano x")),
-                 QStringList({"/a b/Upgrade", "Veltano", "x"}));
+        QCOMPARE(upgrade::DividiRiga(QStringLiteral("\"/a b/Upgrade\" Veltano x")), QStringList({"/a b/Upgrade", "Veltano", "x"}));
         QCOMPARE(upgrade::DividiRiga(QStringLiteral("/a/Upgrade Veltano")), QStringList({"/a/Upgrade", "Veltano"}));
     }
 };
