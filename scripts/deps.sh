@@ -4,7 +4,7 @@
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-charts-dev qt6-translations-l10n libqt6opengl6-dev
       libsqlcipher-dev sqlcipher zlib1g-dev libsane-dev libbenchmark-dev
-      fonts-dejavu-core xvfb xauth)
+      fonts-dejavu-core ca-certificates xvfb xauth)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

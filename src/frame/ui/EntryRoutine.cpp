@@ -9,6 +9,8 @@
 #include <frmStampaCassa.h>
 #include <frmStampaPark.h>
 
+#include <Aggiornamento.h>
+
 #include <EngineCheck.h>
 #include <Language.h>
 #include <PublicState.h>
@@ -83,6 +85,13 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
     QApplication::setOrganizationName(QString::fromLatin1(TitoloApplicazione));
     QApplication::setWindowIcon(IconaProgramma());
     QApplication::setDesktopFileName(QStringLiteral("veltano"));
+
+    // A program named "Upgrade" only copies itself over the installed one, before anything else.
+    {
+        MessageBoxPrompter boxes;
+        if (upgrade::EntrataCopia(boxes, QApplication::applicationFilePath(), QApplication::arguments().mid(1)))
+            return 0;
+    }
 
     // A second instance of the same user ends at once, without a word.
     QLockFile instance(QDir(QStandardPaths::writableLocation(QStandardPaths::TempLocation))

@@ -15,6 +15,7 @@
 #include <frmAggiornaMDB.h>
 #include <frmCopia.h>
 #include <frmRipristina.h>
+#include <frmDownload.h>
 
 #include <DbError.h>
 
@@ -164,8 +165,14 @@ void frmMain::creaMenu()
         frmLogin about(m_prompter, frmLogin::Modo::About, this);
         about.exec();
     });
-    azione(help, "mnuUpgrade", QString(), [] {});
-    m_azioni.value(QStringLiteral("mnuUpgrade"))->setEnabled(false);
+    azione(help, "mnuUpgrade", QString(), [this] {
+        upgrade::ScaricaConFinestra finestre(this);
+        upgrade::AmbienteControllo ambiente;
+        ambiente.eseguibile = QApplication::applicationFilePath();
+        // The new program has started: it takes this one's place once it has ended.
+        if (upgrade::ControlloAggiornamento(m_prompter, finestre, ambiente))
+            close();
+    });
 
     QAction *chiu = menuBar()->addAction(QStringLiteral("chiu"));
     chiu->setObjectName(QStringLiteral("chiu"));
