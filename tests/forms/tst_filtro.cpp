@@ -15,6 +15,7 @@
 
 #include <QPrintPreviewWidget>
 #include <QTemporaryDir>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -140,11 +141,7 @@ private slots:
 
     void testi_data()
     {
-        QTest::addColumn<QVector<CasellaFiltro>>("caselle");
-        QTest::addColumn<int>("modo");
-        QTest::addColumn<QString>("where");
-        QTest::addColumn<QString>("formula");
-        QTest::addColumn<QString>("descrizione");
+        colonne<QVector<CasellaFiltro>, int, QString, QString, QString>({"caselle", "modo", "where", "formula", "descrizione"});
         auto r = [](const char *nome, const QVector<CasellaFiltro> &k, int modo, const QString &w, const QString &f, const QString &d) {
             QTest::newRow(nome) << k << modo << (w.isEmpty() ? w : QStringLiteral("where ") + w) << f << d;
         };
@@ -206,10 +203,7 @@ private slots:
     // and dates and numbers select the same rows in both, at midnight.
     void righeSelezionate_data()
     {
-        QTest::addColumn<CasellaFiltro>("k");
-        QTest::addColumn<int>("modo");
-        QTest::addColumn<QStringList>("elenco");
-        QTest::addColumn<QStringList>("stampa");
+        colonne<CasellaFiltro, int, QStringList, QStringList>({"k", "modo", "elenco", "stampa"});
         const QStringList obrien{QStringLiteral("O'Brien")}, nessuno, rossi{QStringLiteral("Rossi")};
         auto r = [](const char *nome, const CasellaFiltro &k, int modo, const QStringList &elenco, const QStringList &stampa) {
             QTest::newRow(nome) << k << modo << elenco << stampa;
@@ -264,9 +258,7 @@ private slots:
 
     void dataNonValida_data()
     {
-        QTest::addColumn<QString>("dal");
-        QTest::addColumn<QString>("al");
-        QTest::addColumn<bool>("nelAl");
+        colonne<QString, QString, bool>({"dal", "al", "nelAl"});
         QTest::newRow("31 February") << "31/02/2026" << "" << false;
         QTest::newRow("words") << "yesterday" << "" << false;
         QTest::newRow("quote") << "1/3/2026'" << "" << false;
@@ -351,10 +343,7 @@ private slots:
 
     void esito_data()
     {
-        QTest::addColumn<qint64>("righe");
-        QTest::addColumn<bool>("automatico");
-        QTest::addColumn<int>("esito");
-        QTest::addColumn<bool>("messaggio");
+        colonne<qint64, bool, int, bool>({"righe", "automatico", "esito", "messaggio"});
         QTest::newRow("one, auto") << qint64(1) << true << int(forms::EsitoRicerca::Posiziona) << false;
         QTest::newRow("one") << qint64(1) << false << int(forms::EsitoRicerca::MostraElenco) << false;
         QTest::newRow("none, auto") << qint64(0) << true << int(forms::EsitoRicerca::NessunaRiga) << true;

@@ -8,6 +8,7 @@
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
 
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -103,17 +104,14 @@ private slots:
     // layout, the pending row, the status message, the questions and the rows after it.
     void azioni_data()
     {
-        QTest::addColumn<QString>("stato");    // sfoglia (on row 01), aggiunta, modifica, vuoto
-        QTest::addColumn<QString>("azione");
-        QTest::addColumn<QString>("lettera");  // the rights letter
-        QTest::addColumn<QString>("risposte"); // O: OK, C: Cancel, in order
-        QTest::addColumn<bool>("consente");    // verificaInterna and convalida
-        QTest::addColumn<Layout>("layout");
-        QTest::addColumn<EditMode>("modo");
-        QTest::addColumn<QString>("messaggio"); // the status key after it; "-": unchanged
-        QTest::addColumn<int>("domande");
-        QTest::addColumn<int>("righe");
-        QTest::addColumn<bool>("rifiuto");      // a critical box naming the user
+        // stato: sfoglia (on row 01), aggiunta, modifica, vuoto
+        // lettera: the rights letter
+        // risposte: O: OK, C: Cancel, in order
+        // consente: verificaInterna and convalida
+        // messaggio: the status key after it, "-" when unchanged
+        // rifiuto: a critical box naming the user
+        colonne<QString, QString, QString, QString, bool, Layout, EditMode, QString, int, int, bool>(
+            {"stato", "azione", "lettera", "risposte", "consente", "layout", "modo", "messaggio", "domande", "righe", "rifiuto"});
 
         const Layout G = Layout::Gestione, M = Layout::Modifica;
         QTest::newRow("add") << "sfoglia" << "aggiungi" << "" << "" << true << M << EditMode::AddNew << "M0014" << 0 << 2 << false;

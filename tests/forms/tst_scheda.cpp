@@ -34,6 +34,7 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -144,10 +145,8 @@ private slots:
 
     void layouts_data()
     {
-        QTest::addColumn<Layout>("layout");
-        QTest::addColumn<QString>("offerti"); // "": every key
-        QTest::addColumn<QString>("visibili");
-        QTest::addColumn<QString>("abilitati");
+        // offerti: "": every key
+        colonne<Layout, QString, QString, QString>({"layout", "offerti", "visibili", "abilitati"});
         const QString gestione = QStringLiteral("aggiungi modifica elimina sep1 trova stampa sep2 ok annulla refresh esci");
         QTest::newRow("operation") << Layout::Attivazione << "" << "gestione" << "gestione";
         QTest::newRow("browse") << Layout::Gestione << "" << gestione << "aggiungi modifica elimina trova stampa refresh esci";
@@ -173,11 +172,8 @@ private slots:
 
     void limiti_data()
     {
-        QTest::addColumn<int>("tipo");
-        QTest::addColumn<int>("casella");
-        QTest::addColumn<int>("dimensione");
-        QTest::addColumn<int>("lunghezza"); // -1: none
-        QTest::addColumn<double>("massimo");  // 0: none
+        // lunghezza: -1: none; massimo: 0: none
+        colonne<int, int, int, int, double>({"tipo", "casella", "dimensione", "lunghezza", "massimo"});
         using store::FieldKind;
         using forms::TipoCasellaScheda;
         QTest::newRow("text in a text box") << int(FieldKind::Text) << int(TipoCasellaScheda::Testo) << 20 << 20 << 0.0;

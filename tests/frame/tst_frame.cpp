@@ -19,6 +19,7 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <Colonne.h>
 #include <QtTest>
 
 using frame::pub;
@@ -102,8 +103,8 @@ private slots:
     // SQL, and the reads by query of the row it names.
     void apiciSql_data()
     {
-        QTest::addColumn<QVariant>("valore");
-        QTest::addColumn<QString>("atteso"); // null: the round trip only
+        // atteso: null: the round trip only
+        colonne<QVariant, QString>({"valore", "atteso"});
         QTest::newRow("null") << QVariant() << QStringLiteral("''");
         QTest::newRow("empty") << QVariant(QString()) << QStringLiteral("''");
         QTest::newRow("plain") << QVariant(QStringLiteral("abc")) << QStringLiteral("'abc'");
@@ -155,9 +156,7 @@ private slots:
     // The small text routines, one table: routine, argument, result.
     void testi_data()
     {
-        QTest::addColumn<QString>("routine");
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<QString>("atteso");
+        colonne<QString, QString, QString>({"routine", "testo", "atteso"});
         const struct {
             const char *routine, *riga, *testo, *atteso;
         } righe[] = {
@@ -233,8 +232,7 @@ private slots:
 
     void giornoSettimana_data()
     {
-        QTest::addColumn<QDate>("data");
-        QTest::addColumn<QString>("atteso");
+        colonne<QDate, QString>({"data", "atteso"});
         const char *const nomi[] = {"Domenica", "Lunedì", "Martedì", "Mercoledì", "Giovedì", "Venerdì", "Sabato"};
         const QDate domenica(2026, 3, 1);
         for (int i = 0; i < 7; ++i)
@@ -251,10 +249,7 @@ private slots:
     // NumeroONullo, and TestoONullo and ValoreNonNullo (default "def") where the row gives their results.
     void nullHelpers_data()
     {
-        QTest::addColumn<QVariant>("valore");
-        QTest::addColumn<QVariant>("numero");
-        QTest::addColumn<QVariant>("testo");
-        QTest::addColumn<QVariant>("nonNullo");
+        colonne<QVariant, QVariant, QVariant, QVariant>({"valore", "numero", "testo", "nonNullo"});
         const QVariant x; // not checked on this row
         QTest::newRow("null") << QVariant() << QVariant(0) << QVariant(QString()) << QVariant(QStringLiteral("def"));
         QTest::newRow("empty") << QVariant(QString()) << QVariant(0) << QVariant(QString()) << QVariant(QString());
@@ -282,9 +277,8 @@ private slots:
     // The lines read, and the lookup of the first key (trimmed text, key folded in place, apostrophes to backticks).
     void leggiTestiLingua_data()
     {
-        QTest::addColumn<QByteArray>("contenuto");
-        QTest::addColumn<QStringList>("righe");
-        QTest::addColumn<QString>("trovato"); // TestoLingua of the first key in lower case
+        // trovato: TestoLingua of the first key in lower case
+        colonne<QByteArray, QStringList, QString>({"contenuto", "righe", "trovato"});
         QTest::newRow("blanks around") << QByteArray(" m0100 ; Testo ") << QStringList{"M0100; Testo"} << "Testo";
         QTest::newRow("empty key") << QByteArray(";abc") << QStringList{";abc"} << "abc";
         QTest::newRow("comment with leading blank") << QByteArray("  ' M0001;no\nM0002;yes") << QStringList{"M0002;yes"} << "yes";
@@ -402,9 +396,8 @@ private slots:
     // Keys are blind to case, sections stay apart, and a value that is not plain text reads as the default.
     void settingsStore_data()
     {
-        QTest::addColumn<QString>("sezione");
-        QTest::addColumn<QString>("chiave");
-        QTest::addColumn<QString>("atteso"); // with "dflt" as default
+        // atteso: with "dflt" as default
+        colonne<QString, QString, QString>({"sezione", "chiave", "atteso"});
         QTest::newRow("other case") << "IMPOSTAZIONI" << "PATHDATA" << "/b/basedati.mdb";
         QTest::newRow("other section") << "Contatori" << "Pathdata" << "dflt";
         QTest::newRow("missing") << "Impostazioni" << "Nothing" << "dflt";
@@ -429,10 +422,8 @@ private slots:
 
     void impostaPercorsi_data()
     {
-        QTest::addColumn<QString>("cartella");
-        QTest::addColumn<QString>("salvato"); // null: nothing in the store
-        QTest::addColumn<QString>("pathdata");
-        QTest::addColumn<QString>("dati"); // folder of the backup list and the images, null for none
+        // salvato: null: nothing in the store; dati: folder of the backup list and the images, null for none
+        colonne<QString, QString, QString, QString>({"cartella", "salvato", "pathdata", "dati"});
         const QString opt = QStringLiteral("/opt/veltano");
         QTest::newRow("default") << opt << QString() << "/opt/veltano/basedati.mdb" << "/opt/veltano/";
         QTest::newRow("default, separator") << "/opt/veltano/" << QString() << "/opt/veltano/basedati.mdb" << "/opt/veltano/";
@@ -461,9 +452,7 @@ private slots:
 
     void impostaLingua_data()
     {
-        QTest::addColumn<bool>("presente");
-        QTest::addColumn<QString>("salvato");
-        QTest::addColumn<int>("atteso");
+        colonne<bool, QString, int>({"presente", "salvato", "atteso"});
         QTest::newRow("missing") << false << QString() << 0;
         QTest::newRow("first") << true << QStringLiteral("0") << 0;
         QTest::newRow("second") << true << QStringLiteral("1") << 1;
@@ -496,8 +485,8 @@ private slots:
     // a later write edits. The "set" row also holds a default band (blanks kept) and the two flags of the settings store.
     void annoEsercizio_data()
     {
-        QTest::addColumn<QVariant>("salvato"); // invalid with "no row": the row is deleted
-        QTest::addColumn<QString>("atteso");
+        // salvato: invalid with "no row": the row is deleted
+        colonne<QVariant, QString>({"salvato", "atteso"});
         QTest::newRow("empty") << QVariant(QString()) << year();
         QTest::newRow("null") << QVariant() << year();
         QTest::newRow("blanks") << QVariant(QStringLiteral("   ")) << year();
@@ -543,9 +532,8 @@ private slots:
     // Each option reads its own field: the one under test holds the value, the others its opposite.
     void opzioni_data()
     {
-        QTest::addColumn<QByteArray>("lingua"); // the texts in use, empty for English
-        QTest::addColumn<QVariant>("salvato");
-        QTest::addColumn<bool>("attiva");
+        // lingua: the texts in use, empty for English
+        colonne<QByteArray, QVariant, bool>({"lingua", "salvato", "attiva"});
         const QByteArray no("M0304;Si\nM0305;No\n");
         QTest::newRow("N") << QByteArray() << QVariant(QStringLiteral("N")) << false;
         QTest::newRow("S") << QByteArray() << QVariant(QStringLiteral("S")) << true;

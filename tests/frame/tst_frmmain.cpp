@@ -23,6 +23,7 @@
 
 #include <QFile>
 #include <QScreen>
+#include <Colonne.h>
 #include <QtTest>
 
 using frame::SettingsStore::get;
@@ -49,8 +50,9 @@ private slots:
     // The remembered place and size, made to fit the screen; junk gives the screen's size.
     void geometryFromSettings_data()
     {
-        QTest::addColumn<QStringList>("salvata"); // left, top, width, height
-        QTest::addColumn<QRect>("attesa"); // null: the whole screen; a negative place counts from its far edge, height 0 is its height
+        // salvata: left, top, width, height
+        // attesa: null: the whole screen; a negative place counts from its far edge, height 0 is its height
+        colonne<QStringList, QRect>({"salvata", "attesa"});
         QTest::newRow("inside") << QStringList{"40", "30", "700", "500"} << QRect(40, 30, 700, 500);
         QTest::newRow("junk") << QStringList{"0", "0", "abc", "-5"} << QRect();
         QTest::newRow("taller than the screen") << QStringList{"0", "0", "700", "99999"} << QRect(0, 0, 700, 0);
@@ -91,10 +93,7 @@ private slots:
     // Qt's own texts, month names and the date placeholder follow the language file in use; a switch replaces them.
     void qtTextsFollowTheLanguage_data()
     {
-        QTest::addColumn<QString>("lingua");
-        QTest::addColumn<QString>("annulla");
-        QTest::addColumn<QString>("mese");
-        QTest::addColumn<QString>("segnaposto");
+        colonne<QString, QString, QString, QString>({"lingua", "annulla", "mese", "segnaposto"});
         QTest::newRow("Italian") << "Italian" << "Annulla" << "novembre" << "gg/mm/aaaa";
         QTest::newRow("English") << "English" << "Cancel" << "November" << "mm/dd/yyyy";
     }
@@ -148,10 +147,7 @@ private slots:
 
     void loginWindow_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<bool>("accepted");
-        QTest::addColumn<QString>("message");
+        colonne<QString, QString, bool, QString>({"name", "password", "accepted", "message"});
         QTest::newRow("administrator, empty") << "administrator" << "" << true << "";
         QTest::newRow("wrong password") << "administrator" << "x" << false << "M0100";
         QTest::newRow("unknown user") << "nobody" << "" << false << "M0101";

@@ -11,6 +11,7 @@
 #include <TestDatabase.h>
 
 #include <QFile>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -57,10 +58,7 @@ private slots:
 
     void loginRules_data()
     {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<bool>("login");
-        QTest::addColumn<bool>("passwordWindow");
+        colonne<QVariant, QString, bool, bool>({"stored", "typed", "login", "passwordWindow"});
         QTest::newRow("same text") << QVariant("Segreto") << "Segreto" << true << true;
         QTest::newRow("other case at login only") << QVariant("ADMIN") << "Admin" << true << false;
         QTest::newRow("wrong") << QVariant("Segreto") << "segret" << false << false;
@@ -122,11 +120,8 @@ private slots:
 
     void authorisation_data()
     {
-        QTest::addColumn<QString>("letter");
-        QTest::addColumn<QString>("operation");
-        QTest::addColumn<int>("recordUser");
-        QTest::addColumn<bool>("allowed");
-        QTest::addColumn<QString>("message"); // end of the refusal, empty for none
+        // message: end of the refusal, empty for none
+        colonne<QString, QString, int, bool, QString>({"letter", "operation", "recordUser", "allowed", "message"});
         const QString soloLettura = QStringLiteral("è autorizzato solo a leggere le registrazione");
         const QString nonModifica = QStringLiteral("non è autorizzato a modificare o cancellare le registrazioni");
         const QString nonCancella = QStringLiteral("non è autorizzato a cancellare le registrazioni");

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <Colonne.h>
 #include <QtTest>
 
 using frame::Prompter;
@@ -69,17 +70,14 @@ private slots:
     // asks for a re-read. A panel not filled from the row is never written either.
     void refusals_data()
     {
-        QTest::addColumn<int>("op");      // 0 ComMod, 1 ComAnn, 2 ComCont, 3 the exit button
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<bool>("right");  // OpModificare, OpAnnullare, OpContabilizzare
-        QTest::addColumn<QString>("tag");
-        QTest::addColumn<int>("state");   // 0 inside, 1 cancelled, 2 posted, 3 out, -1 no row, -2 panel emptied
-        QTest::addColumn<QString>("word");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<bool>("asked");  // the confirmation was asked, and answered Cancel unless a word follows
-        QTest::addColumn<FuocoPark>("focus");
-        QTest::addColumn<QString>("change"); // run after the set was read
-        QTest::addColumn<bool>("during");    // while the first question is open, answered OK
+        // op: 0 ComMod, 1 ComAnn, 2 ComCont, 3 the exit button
+        // right: OpModificare, OpAnnullare, OpContabilizzare
+        // state: 0 inside, 1 cancelled, 2 posted, 3 out, -1 no row, -2 panel emptied
+        // asked: the confirmation was asked, and answered Cancel unless a word follows
+        // change: run after the set was read
+        // during: while the first question is open, answered OK
+        colonne<int, QString, bool, QString, int, QString, QString, bool, FuocoPark, QString, bool>(
+            {"op", "user", "right", "tag", "state", "word", "message", "asked", "focus", "change", "during"});
         const QString in = QStringLiteral("INSIDE"), out = QStringLiteral("OUT"), mario = QStringLiteral("L'utente 'mario' ");
         const QString readOnly = mario + "è autorizzato solo a leggere le registrazione";
         const QString noChange = mario + "non è autorizzato a modificare o cancellare le registrazioni";
@@ -328,10 +326,7 @@ private slots:
 
     void changeArithmetic_data()
     {
-        QTest::addColumn<QString>("due");
-        QTest::addColumn<QString>("given");
-        QTest::addColumn<bool>("valid");
-        QTest::addColumn<QString>("change");
+        colonne<QString, QString, bool, QString>({"due", "given", "valid", "change"});
         QTest::newRow("plain") << "12.5" << "20" << true << "7.5";
         QTest::newRow("comma") << "12.5" << " 20,25 " << true << "7.75";
         QTest::newRow("pays less") << "12.5" << "10" << true << "-2.5";

@@ -25,6 +25,7 @@
 #include <QRadioButton>
 #include <QTableView>
 #include <QTimer>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -248,11 +249,8 @@ private slots:
     // the question keeps the panel. Nothing is written, not even the counter.
     void entryRefusals_data()
     {
-        QTest::addColumn<bool>("obbligatoria");
-        QTest::addColumn<QString>("targa");
-        QTest::addColumn<QString>("fascia");
-        QTest::addColumn<QString>("chiave"); // "": the question is answered Cancel
-        QTest::addColumn<QString>("fuoco");
+        // chiave: "": the question is answered Cancel
+        colonne<bool, QString, QString, QString, QString>({"obbligatoria", "targa", "fascia", "chiave", "fuoco"});
         QTest::newRow("plate required") << true << "   " << "01" << "M0062" << "TxtT_0";
         QTest::newRow("short plate, blanks dropped first") << false << " ABCD " << "01" << "M0063" << "TxtT_0";
         QTest::newRow("no band") << false << "AB123CD" << "" << "M0064" << "TxtT_0";
@@ -291,9 +289,7 @@ private slots:
 
     void correctionsAndPostingRefusals_data()
     {
-        QTest::addColumn<QString>("bottone");
-        QTest::addColumn<QString>("chiave");
-        QTest::addColumn<QString>("utente");
+        colonne<QString, QString, QString>({"bottone", "chiave", "utente"});
         QTest::newRow("correct") << "ComMod" << "M0049" << "mario";
         QTest::newRow("cancel") << "ComAnn" << "M0054" << "mario";
         QTest::newRow("post") << "ComCont" << "M0058" << "mario";

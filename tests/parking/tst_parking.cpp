@@ -8,6 +8,7 @@
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
 
+#include <Colonne.h>
 #include <QtTest>
 
 using frame::Prompter;
@@ -76,14 +77,8 @@ private slots:
 
     void tariff_data()
     {
-        QTest::addColumn<QString>("importo");
-        QTest::addColumn<int>("min1");
-        QTest::addColumn<QString>("succ");
-        QTest::addColumn<int>("minSuc");
-        QTest::addColumn<int>("minuti");
-        QTest::addColumn<QString>("atteso");
-        QTest::addColumn<qint64>("frazioni");
-        QTest::addColumn<bool>("nota");
+        colonne<QString, int, QString, int, int, QString, qint64, bool>(
+            {"importo", "min1", "succ", "minSuc", "minuti", "atteso", "frazioni", "nota"});
         // One-stage band: 2.00 every 60 minutes started.
         QTest::newRow("one 0") << "2" << 60 << "0" << 0 << 0 << "0" << qint64(0) << false;
         QTest::newRow("one 1") << "2" << 60 << "0" << 0 << 1 << "2" << qint64(1) << false;
@@ -131,11 +126,7 @@ private slots:
     // entry, an entry date ahead of the clock (refused before the question).
     void exitRefusals_data()
     {
-        QTest::addColumn<QString>("importo");
-        QTest::addColumn<int>("min1");
-        QTest::addColumn<QString>("succ");
-        QTest::addColumn<int>("minSuc");
-        QTest::addColumn<QString>("chiave");
+        colonne<QString, int, QString, int, QString>({"importo", "min1", "succ", "minSuc", "chiave"});
         QTest::newRow("no first minutes") << "2" << 0 << "0" << 0 << "M0073";
         QTest::newRow("no first price") << "0" << 60 << "0" << 0 << "M0074";
         QTest::newRow("later price without minutes") << "2" << 60 << "1" << 0 << "M0075";
@@ -166,10 +157,7 @@ private slots:
 
     void fullStay_data()
     {
-        QTest::addColumn<QString>("fascia");
-        QTest::addColumn<int>("secondi");
-        QTest::addColumn<QString>("importo");
-        QTest::addColumn<QString>("nota");
+        colonne<QString, int, QString, QString>({"fascia", "secondi", "importo", "nota"});
         QTest::newRow("one-stage, same minute") << "01" << 30 << "0" << "";
         QTest::newRow("one-stage, 61 minutes") << "01" << 61 * 60 << "4" << "";
         QTest::newRow("two-stage, 45 minutes") << "02" << 45 * 60 << "3" << "";
@@ -247,10 +235,7 @@ private slots:
 
     void numbering_data()
     {
-        QTest::addColumn<QString>("preparazione");
-        QTest::addColumn<QString>("anno");
-        QTest::addColumn<int>("numero");
-        QTest::addColumn<int>("righeContatore");
+        colonne<QString, QString, int, int>({"preparazione", "anno", "numero", "righeContatore"});
         QTest::newRow("empty table") << "" << "2026" << 1 << 1;
         QTest::newRow("edited counter") << "insert into TabProgressivi (Anno, Progressivo) values ('2026', 100)" << "2026" << 101 << 1;
         QTest::newRow("year change") << "insert into TabProgressivi (Anno, Progressivo) values ('2025', 812)" << "2026" << 1 << 2;

@@ -10,6 +10,7 @@
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
 
+#include <Colonne.h>
 #include <QtTest>
 
 #include <algorithm>
@@ -111,9 +112,7 @@ private slots:
 
     void lists_data()
     {
-        QTest::addColumn<OpzioneElenco>("opzione");
-        QTest::addColumn<QDate>("giorno");
-        QTest::addColumn<Ids>("attese");
+        colonne<OpzioneElenco, QDate, Ids>({"opzione", "giorno", "attese"});
         QTest::newRow("all, by year then id") << OpzioneElenco::Tutti << QDate() << Ids{1, 8, 2, 3, 4, 5, 6, 7, 9, 10, 11, 12};
         QTest::newRow("inside, cancelled too") << OpzioneElenco::Dentro << QDate() << Ids{2, 4, 5, 7};
         QTest::newRow("out") << OpzioneElenco::Usciti << QDate() << Ids{1, 8, 3, 6, 9, 10, 11, 12};
@@ -157,13 +156,9 @@ private slots:
 
     void search_data()
     {
-        QTest::addColumn<QString>("numero");
-        QTest::addColumn<QString>("anno");
-        QTest::addColumn<QString>("targa");
-        QTest::addColumn<QString>("data");
-        QTest::addColumn<OpzioneElenco>("opzione");
-        QTest::addColumn<qint64>("chiave"); // 0: stays on the first row; -1: none
-        QTest::addColumn<QString>("messaggio"); // the focus follows: the list, the number box or the date box
+        // chiave: 0: stays on the first row; -1: none; messaggio: the focus follows: the list, the number box or the date box
+        colonne<QString, QString, QString, QString, OpzioneElenco, qint64, QString>(
+            {"numero", "anno", "targa", "data", "opzione", "chiave", "messaggio"});
         const auto tutti = OpzioneElenco::Tutti, dentro = OpzioneElenco::Dentro;
         const QString nf = QStringLiteral("M0077"), bad = QStringLiteral("M0008");
         QTest::newRow("number and year") << "3" << "2026" << "" << "" << tutti << qint64(4) << "";

@@ -16,6 +16,7 @@
 #include <QPrinterInfo>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <Colonne.h>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -404,10 +405,7 @@ private slots:
     // Templates that would hang the program or fill thousands of pages are refused, naming the file.
     void hostileTemplatesAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("page");
-        QTest::addColumn<QByteArray>("detail");
-        QTest::addColumn<int>("rows");
-        QTest::addColumn<QString>("told");
+        colonne<QByteArray, QByteArray, int, QString>({"page", "detail", "rows", "told"});
         const QByteArray field = "><field value=\"{Cassa.Descrizione}\"/>";
         QTest::newRow("file too large") << QByteArray() << field + "<!--" + QByteArray(1 << 20, ' ') + "-->" << 0 << "too large";
         QTest::newRow("no room between the margins") << QByteArray("top=\"150\" bottom=\"145\"") << field << 0 << "no room";

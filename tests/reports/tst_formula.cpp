@@ -2,6 +2,7 @@
 #include "Formula.h"
 
 #include <QRandomGenerator>
+#include <Colonne.h>
 #include <QtTest>
 #include <ctime>
 
@@ -76,8 +77,7 @@ private slots:
 
     void valori_data()
     {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<Valore>("atteso");
+        colonne<QString, Valore>({"testo", "atteso"});
         auto r = [](const char *t, const Valore &v) { QTest::newRow(t) << QString::fromUtf8(t) << v; };
         // Arithmetic, texts, functions and names (case-blind, with blanks and accents).
         r("1 + 2 * 3", Valore(7)); r("(1 + 2) * 3", Valore(9)); r("7 - 2 - 1", Valore(4)); r("10 / 4", Valore(2.5));
@@ -127,9 +127,7 @@ private slots:
     // brackets and reads "(year and isnull(x)) or (x = 0 and ...)"), the customer lists and print filters.
     void selezioni_data()
     {
-        QTest::addColumn<QString>("selezione");
-        QTest::addColumn<QVariantList>("campi");
-        QTest::addColumn<bool>("atteso");
+        colonne<QString, QVariantList, bool>({"selezione", "campi", "atteso"});
         auto r = [](const char *t, const QString &s, const QVariantList &c, bool a) { QTest::newRow(t) << s << c << a; };
         auto dt = [](int m, int d, int h, int mi, int s = 0) { return QDateTime(QDate(2026, m, d), QTime(h, mi, s)); };
         const QString tutto = Uscite + " and " + Dal + " and " + Al, nessuno;
@@ -179,10 +177,7 @@ private slots:
 
     void errori_data()
     {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<int>("pos");
-        QTest::addColumn<QString>("token");
-        QTest::addColumn<QString>("messaggio");
+        colonne<QString, int, QString, QString>({"testo", "pos", "token", "messaggio"});
         auto r = [](const char *t, int p, const char *tok, const char *m) {
             QTest::newRow(t) << QString::fromUtf8(t) << p << QString::fromUtf8(tok) << QString::fromUtf8(m);
         };
@@ -223,9 +218,7 @@ private slots:
 
     void assegnazioni_data()
     {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<QString>("nome");
-        QTest::addColumn<Valore>("valore");
+        colonne<QString, QString, Valore>({"testo", "nome", "valore"});
         auto r = [](const char *t, const char *n, const Valore &v) { QTest::newRow(t) << QString::fromUtf8(t) << QString(n) << v; };
         r("lbltarga='Targa'", "lbltarga", Valore("Targa"));
         r("lblore='Ore d''uscita'", "lblore", Valore("Ore d'uscita"));
@@ -250,8 +243,7 @@ private slots:
 
     void assegnazioniErrate_data()
     {
-        QTest::addColumn<QString>("testo");
-        QTest::addColumn<int>("pos");
+        colonne<QString, int>({"testo", "pos"});
         for (auto [t, p] : {std::pair{"lbltarga", 8}, {"='x'", 0}, {"lbl='abc", 4}, {"lbl='l'uscita'", 7}, {"lbl=abc", 4},
                             {"lbl=1.234.5", 4}, {"lbl=", 4}, {"a b='x'", 0}, {"lbl='x' y", 8}, {"lbl=\"x\"", 4}})
             QTest::newRow(t) << QString(t) << p;

@@ -21,6 +21,7 @@
 #include <QLineEdit>
 #include <QPrinterInfo>
 #include <QRadioButton>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -57,10 +58,8 @@ private slots:
 
     void parkSelection_data()
     {
-        QTest::addColumn<QString>("targa");
-        QTest::addColumn<int>("stato");
-        QTest::addColumn<int>("date"); // 0 none, 1 a period with times, 2 with the times emptied
-        QTest::addColumn<QString>("attesa");
+        // date: 0 none, 1 a period with times, 2 with the times emptied
+        colonne<QString, int, int, QString>({"targa", "stato", "date", "attesa"});
         const int tutti = int(OpzioniPark::Stato::Tutti), usciti = int(OpzioniPark::Stato::Usciti);
         const QString periodo = finestra(">=", 2026, 3, 1, 8, 5) + QStringLiteral(" and ") + finestra("<=", 2026, 3, 3, 18, 30);
         QTest::newRow("nothing chosen") << "" << tutti << 0 << "";
@@ -91,9 +90,7 @@ private slots:
 
     void cashSelection_data()
     {
-        QTest::addColumn<int>("righe");
-        QTest::addColumn<bool>("conDate");
-        QTest::addColumn<QString>("attesa");
+        colonne<int, bool, QString>({"righe", "conDate", "attesa"});
         const QString anno = QStringLiteral("{TabProgressivi.Anno}='2026'");
         QTest::newRow("all") << int(OpzioniCassa::Righe::Tutto) << false << anno;
         QTest::newRow("money in only, unbracketed") << int(OpzioniCassa::Righe::SoloEntrate) << false

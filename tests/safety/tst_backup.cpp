@@ -21,6 +21,7 @@
 #include <QRegularExpression>
 #include <QTableView>
 #include <QThread>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <csignal>
@@ -197,8 +198,7 @@ private slots:
 
     void roundTrip_data()
     {
-        QTest::addColumn<bool>("compressed");
-        QTest::addColumn<char>("levelByte");
+        colonne<bool, char>({"compressed", "levelByte"});
         QTest::newRow("level 9") << true << char(0xDA);
         QTest::newRow("level 0") << false << char(0x01);
     }
@@ -237,9 +237,7 @@ private slots:
 
     void automaticDeletion_data()
     {
-        QTest::addColumn<bool>("autoDelete");
-        QTest::addColumn<int>("keep");
-        QTest::addColumn<QStringList>("left");
+        colonne<bool, int, QStringList>({"autoDelete", "keep", "left"});
         QTest::newRow("keep 1") << true << 1 << QStringList{u"new"_s};
         QTest::newRow("keep 2 of 3") << true << 2 << QStringList{u"new"_s, u"DB2021.zl"_s};
         QTest::newRow("off") << false << 1 << QStringList{u"new"_s, u"DB2021.zl"_s, u"DB2020.zl"_s};

@@ -10,6 +10,7 @@
 
 #include <TestFiles.h>
 
+#include <Colonne.h>
 #include <QtTest>
 
 #include <cmath>
@@ -78,9 +79,8 @@ private slots:
 
     void openRejectsWrongKeyAndOtherFiles_data()
     {
-        QTest::addColumn<QString>("file"); // what stands at the path opened
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<int>("code"); // 0: any code
+        // file: what stands at the path opened; code: 0: any code
+        colonne<QString, QString, int>({"file", "key", "code"});
         QTest::newRow("other password") << "working" << u"quartzel2"_s << NotADatabase;
         QTest::newRow("password case differs") << "working" << u"QUARTZEL"_s << NotADatabase;
         QTest::newRow("no password") << "working" << QString() << NotADatabase;
@@ -137,10 +137,7 @@ private slots:
 
     void likeMatch_data()
     {
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("escape");
-        QTest::addColumn<bool>("matches");
+        colonne<QString, QString, QString, bool>({"pattern", "text", "escape", "matches"});
         const QString no;
         QTest::newRow("empty both") << "" << "" << no << true;
         QTest::newRow("empty pattern") << "" << "a" << no << false;
@@ -204,9 +201,7 @@ private slots:
 
     void currencyParse_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<qint64>("raw");
+        colonne<QString, bool, qint64>({"text", "ok", "raw"});
         QTest::newRow("comma") << "1,5" << true << qint64(15000);
         QTest::newRow("plus and blanks") << " +7.25 " << true << qint64(72500);
         QTest::newRow("no whole part") << ".5" << true << qint64(5000);
@@ -233,8 +228,7 @@ private slots:
 
     void currencyPlainText_data()
     {
-        QTest::addColumn<qint64>("raw");
-        QTest::addColumn<QString>("text");
+        colonne<qint64, QString>({"raw", "text"});
         QTest::newRow("zero") << qint64(0) << "0";
         QTest::newRow("whole") << qint64(30000) << "3";
         QTest::newRow("trailing zeros cut") << qint64(15000) << "1.5";
@@ -258,9 +252,7 @@ private slots:
 
     void currencyFromDouble_data()
     {
-        QTest::addColumn<double>("value");
-        QTest::addColumn<bool>("tie");
-        QTest::addColumn<qint64>("raw");
+        colonne<double, bool, qint64>({"value", "tie", "raw"});
         // Odd multiples of 1/32 are exact in binary and land exactly on .5 ten-thousandths.
         QTest::newRow("tie down to even") << 1.0 / 32 << true << qint64(312);
         QTest::newRow("tie up to even") << 3.0 / 32 << true << qint64(938);
@@ -281,9 +273,7 @@ private slots:
 
     void kindFromDeclaredType_data()
     {
-        QTest::addColumn<QString>("declared");
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<int>("size");
+        colonne<QString, int, int>({"declared", "kind", "size"});
         QTest::newRow("text sized") << "TEXT(20)" << int(FieldKind::Text) << 20;
         QTest::newRow("text spaced, lower case") << " text ( 255 ) " << int(FieldKind::Text) << 255;
         QTest::newRow("memo") << "MEMO" << int(FieldKind::Memo) << 0;
@@ -327,9 +317,7 @@ private slots:
 
     void fieldsThroughView_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QString>("table");
+        colonne<QString, int, QString>({"name", "kind", "table"});
         const QString m = u"Movimentazioni"_s;
         QTest::newRow("Targa") << "Targa" << int(FieldKind::Text) << m;
         QTest::newRow("Importo") << "Importo" << int(FieldKind::Currency) << m;
@@ -498,8 +486,8 @@ private slots:
 
     void findFirst_data()
     {
-        QTest::addColumn<QString>("wanted");
-        QTest::addColumn<int>("position"); // -1: no match
+        // position: -1: no match
+        colonne<QString, int>({"wanted", "position"});
         QTest::newRow("same case") << "AB123CD" << 1;
         QTest::newRow("lower case") << "ab123cd" << 1;
         QTest::newRow("accented lower") << u"città"_s << 2;
@@ -756,8 +744,7 @@ private slots:
 
     void keyFromConnect_data()
     {
-        QTest::addColumn<QString>("connect");
-        QTest::addColumn<QString>("key");
+        colonne<QString, QString>({"connect", "key"});
         QTest::newRow("upper") << ";PWD=quartzel" << "quartzel";
         QTest::newRow("lower") << ";pwd=quartzel" << "quartzel";
         QTest::newRow("among others") << "MS Access;DSN=x;Pwd=abc;UID=me" << "abc";

@@ -20,6 +20,7 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -155,8 +156,7 @@ private slots:
     // Qt Network's failures read as the platform's texts; numbers out of the table have none.
     void errorTable_data()
     {
-        QTest::addColumn<int>("numero");
-        QTest::addColumn<QString>("atteso");
+        colonne<int, QString>({"numero", "atteso"});
         using E = QNetworkReply;
         const auto qt = [](const char *nome, E::NetworkError e, const char *atteso) {
             QTest::newRow(nome) << upgrade::CodiceDaErrore(e) << atteso;
@@ -182,10 +182,8 @@ private slots:
     // Reads into memory: what it tells, what it sends, what it keeps; failures before any connection.
     void readUrl_data()
     {
-        QTest::addColumn<QString>("url"); // a path on the server ("s/..." over HTTPS), or a whole address
-        QTest::addColumn<QString>("agente"); // "-": no session opened
-        QTest::addColumn<qint64>("byte");
-        QTest::addColumn<QString>("errore");
+        // url: a path on the server ("s/..." over HTTPS), or a whole address; agente: "-": no session opened
+        colonne<QString, QString, qint64, QString>({"url", "agente", "byte", "errore"});
         QTest::newRow("page") << "/pagina" << "" << qint64(13) << "";
         QTest::newRow("own agent") << "/pagina" << "Prova/2" << qint64(13) << "";
         QTest::newRow("empty body") << "/vuota" << "" << qint64(0) << "";
@@ -256,9 +254,7 @@ private slots:
     // The progress window: percent of the total, Kb without one, the bar never beyond its end.
     void progressWindow_data()
     {
-        QTest::addColumn<qint64>("totale");
-        QTest::addColumn<QString>("mostrato");
-        QTest::addColumn<int>("barra");
+        colonne<qint64, QString, int>({"totale", "mostrato", "barra"});
         QTest::newRow("size known") << qint64(Programma.size()) << "100%" << 400;
         QTest::newRow("size unknown") << qint64(0) << QString::number(qRound(Programma.size() / 1024.0)) + " Kb" << 0;
         QTest::newRow("body larger than the size") << qint64(1000) << "100%" << 400;
@@ -281,10 +277,11 @@ private slots:
     // The whole check against a descriptor and a program file served here.
     void check_data()
     {
-        QTest::addColumn<QByteArray>("descrittore"); // null: none served; "refused": the site is down
-        QTest::addColumn<int>("modo");                // how the program file is served
-        QTest::addColumn<bool>("accetta");            // the answer to the offer
-        QTest::addColumn<QString>("ultimo");          // how the last message begins, by key or text
+        // descrittore: null: none served, "refused": the site is down
+        // modo: how the program file is served
+        // accetta: the answer to the offer
+        // ultimo: how the last message begins, by key or text
+        colonne<QByteArray, int, bool, QString>({"descrittore", "modo", "accetta", "ultimo"});
         const QByteArray sha = QCryptographicHash::hash(Programma, QCryptographicHash::Sha256).toHex();
         const QByteArray dim = "Dim=" + QByteArray::number(Programma.size()) + "\r\n";
         // Underscores of the name itself don't count: the version is read from the end.
@@ -397,10 +394,8 @@ private slots:
     // The copy entry, in a scratch folder with an installed program of its own.
     void copyEntry_data()
     {
-        QTest::addColumn<QString>("nome");
-        QTest::addColumn<QString>("path"); // the key Path, under the scratch folder
-        QTest::addColumn<QStringList>("argomenti");
-        QTest::addColumn<QString>("copiato"); // where the copy lands; "" for none
+        // path: the key Path, under the scratch folder; copiato: where the copy lands; "" for none
+        colonne<QString, QString, QStringList, QString>({"nome", "path", "argomenti", "copiato"});
         QTest::newRow("lower-case name") << "upgrade" << "installato/Veltano" << QStringList() << "installato/Veltano";
         QTest::newRow("no Path, the program named") << "Upgrade" << "" << QStringList{"Veltano"} << "Veltano";
         QTest::newRow("another name") << "Veltano2" << "installato/Veltano" << QStringList() << "";
@@ -445,8 +440,7 @@ private slots:
     // A key read as the private-profile call reads it.
     void profile_data()
     {
-        QTest::addColumn<QByteArray>("contenuto");
-        QTest::addColumn<QString>("valore");
+        colonne<QByteArray, QString>({"contenuto", "valore"});
         QTest::newRow("case-blind") << QByteArray("[VELTANO]\r\n  ver = a b  \r\n") << "a b";
         QTest::newRow("quoted") << QByteArray("[Veltano]\nVer=\"a \"\n") << "a";
         QTest::newRow("cut at a null") << QByteArray("[Veltano]\nVer=ab\0cd\n", 20) << "ab";
