@@ -15,6 +15,7 @@
 #include <Routines.h>
 
 #include <CasellaData.h>
+#include <EditoreCampi.h>
 #include <ScriptedPrompter.h>
 #include <TestDatabase.h>
 #include <TestFiles.h>
@@ -332,6 +333,43 @@ private slots:
 
     // The list's print button prints the grid as it stands, every row of the list
     // (read to its end) under the visible captions, page after page, through the preview.
+    // The in-grid editors, one per field kind: a date box that refuses a non-date and writes
+    // nothing, a number box that refuses letters, a whole number, text cut at the field's size.
+    void gridEditorsByFieldKind()
+    {
+        store::Database &db = frame::basedati();
+        db.execute(QStringLiteral("insert into Cassa (IdCliente, Data, Descrizione, Entrata) values (7, '2026-03-01 00:00:00', 'a', 1)"));
+        forms::RecordsetModel m(db, QStringLiteral("select * from Cassa"));
+        m.impostaModifica(m_prompter);
+        QTableView vista;
+        forms::EditoreCampi editore;
+        const auto apri = [&](const char *campo) {
+            const QModelIndex i = m.index(0, m.colonna(QLatin1String(campo)));
+            QWidget *w = editore.createEditor(&vista, {}, i);
+            editore.setEditorData(w, i);
+            return std::make_pair(w, i);
+        };
+        auto [data, iData] = apri("Data");
+        auto *d = qobject_cast<frame::CasellaData *>(data);
+        QVERIFY(d);
+        d->setText(QStringLiteral("31/02/2026"));
+        editore.setModelData(d, &m, iData);
+        QCOMPARE(db.scalar(QStringLiteral("select Data from Cassa")).toString(), QStringLiteral("2026-03-01 00:00:00"));
+        for (const char *campo : {"Entrata", "IdCliente"}) {
+            auto *e = qobject_cast<QLineEdit *>(apri(campo).first);
+            QVERIFY(e && e->validator());
+            QString lettere = QStringLiteral("1a");
+            int at = 2;
+            QCOMPARE(e->validator()->validate(lettere, at), QValidator::Invalid);
+        }
+        auto [entrata, iEntrata] = apri("Entrata");
+        qobject_cast<QLineEdit *>(entrata)->setText(QStringLiteral("12.5"));
+        editore.setModelData(entrata, &m, iEntrata);
+        QCOMPARE(db.scalar(QStringLiteral("select Entrata from Cassa")).toDouble(), 12.5);
+        QCOMPARE(qobject_cast<QLineEdit *>(apri("Descrizione").first)->maxLength(), 255);
+        db.execute(QStringLiteral("delete from Cassa"));
+    }
+
     void listPrintsTheGridAsItStands()
     {
         for (int i = 0; i < 300; ++i)
