@@ -343,30 +343,24 @@ private slots:
         m.impostaModifica(m_prompter);
         QTableView vista;
         forms::EditoreCampi editore;
-        const auto apri = [&](const char *campo) {
+        const auto scrivi = [&](const char *campo, const QString &testo) {
             const QModelIndex i = m.index(0, m.colonna(QLatin1String(campo)));
-            QWidget *w = editore.createEditor(&vista, {}, i);
-            editore.setEditorData(w, i);
-            return std::make_pair(w, i);
+            auto *e = qobject_cast<QLineEdit *>(editore.createEditor(&vista, {}, i));
+            editore.setEditorData(e, i);
+            e->setText(testo);
+            editore.setModelData(e, &m, i);
+            return e;
         };
-        auto [data, iData] = apri("Data");
-        auto *d = qobject_cast<frame::CasellaData *>(data);
-        QVERIFY(d);
-        d->setText(QStringLiteral("31/02/2026"));
-        editore.setModelData(d, &m, iData);
+        QVERIFY(qobject_cast<frame::CasellaData *>(scrivi("Data", QStringLiteral("31/02/2026"))));
         QCOMPARE(db.scalar(QStringLiteral("select Data from Cassa")).toString(), QStringLiteral("2026-03-01 00:00:00"));
         for (const char *campo : {"Entrata", "IdCliente"}) {
-            auto *e = qobject_cast<QLineEdit *>(apri(campo).first);
-            QVERIFY(e && e->validator());
             QString lettere = QStringLiteral("1a");
             int at = 2;
-            QCOMPARE(e->validator()->validate(lettere, at), QValidator::Invalid);
+            QCOMPARE(scrivi(campo, QStringLiteral("12"))->validator()->validate(lettere, at), QValidator::Invalid);
         }
-        auto [entrata, iEntrata] = apri("Entrata");
-        qobject_cast<QLineEdit *>(entrata)->setText(QStringLiteral("12.5"));
-        editore.setModelData(entrata, &m, iEntrata);
+        scrivi("Entrata", QStringLiteral("12.5"));
         QCOMPARE(db.scalar(QStringLiteral("select Entrata from Cassa")).toDouble(), 12.5);
-        QCOMPARE(qobject_cast<QLineEdit *>(apri("Descrizione").first)->maxLength(), 255);
+        QCOMPARE(scrivi("Descrizione", QStringLiteral("b"))->maxLength(), 255);
         db.execute(QStringLiteral("delete from Cassa"));
     }
 
