@@ -2,6 +2,7 @@
 // The list grids: the lazy table model over a recordset, and the column layout files.
 #include <LayoutGriglia.h>
 #include <RecordsetModel.h>
+#include <Tabelle.h>
 #include <Currency.h>
 #include <Database.h>
 #include <Language.h>
@@ -316,6 +317,64 @@ private slots:
         QVERIFY(!m.setData(cella(1, "Descrizione"), QStringLiteral("ghost")));
         QCOMPARE(prompter.messages.size(), 2);
         QCOMPARE(db.scalar(QStringLiteral("select count(*) from Cassa where Descrizione = 'ghost'")).toInt(), 0);
+        db.execute(QStringLiteral("delete from Cassa"));
+    }
+
+    // The table editor's rules: the sort flips on a second click, a field's check by its kind,
+    // what a new row gets by itself, the cash book's colours, and the find by the sort field.
+    void regoleDelleTabelle()
+    {
+        QCOMPARE(forms::IstruzioneTabella(QStringLiteral("Cassa"), QString()), QStringLiteral("select * from [Cassa]"));
+        forms::OrdineTabella ordine(QStringLiteral("Data"));
+        QStringList testi;
+        for (const char *campo : {"Data", "Data", "Descrizione", "descrizione", "Data"}) {
+            ordine.clic(QLatin1String(campo));
+            testi << ordine.testo();
+        }
+        QCOMPARE(testi, (QStringList{"Data desc", "Data", "Descrizione", "descrizione desc", "Data"}));
+
+        ScriptedPrompter prompter;
+        store::FieldInfo data, numero, intero;
+        data.kind = store::FieldKind::Date;
+        numero.kind = store::FieldKind::Currency;
+        intero.kind = store::FieldKind::Long;
+        QVariant v = QStringLiteral("31/02/2026");
+        QVERIFY(!forms::ConvalidaCampo(data, v, prompter) && prompter.messages.size() == 1);
+        v = QVariant();
+        QVERIFY(forms::ConvalidaCampo(numero, v, prompter) && v.value<store::Currency>() == store::Currency());
+        v = QStringLiteral("abc");
+        QVERIFY(forms::ConvalidaCampo(intero, v, prompter) && v == QVariant(qint64(0)));
+
+        store::Database &db = frame::basedati();
+        frame::pub().IdUtenteCorrente = 7;
+        frame::pub().AnnoEsercizio = QStringLiteral("2026");
+        {
+            store::Recordset rs(db, QStringLiteral("select * from Cassa"));
+            for (const auto &[entrata, uscita] : {std::pair(1.0, 1.0), std::pair(1.0, 0.0), std::pair(0.0, 2.0), std::pair(0.0, 0.0)}) {
+                rs.AddNew();
+                rs.setValue(QStringLiteral("Descrizione"), QStringLiteral("r%1%2").arg(entrata).arg(uscita));
+                rs.setValue(QStringLiteral("Entrata"), entrata);
+                rs.setValue(QStringLiteral("Uscita"), uscita);
+                forms::CompletaRiga(rs);
+                rs.Update();
+            }
+        }
+        store::Recordset rs(db, QStringLiteral("select * from Cassa order by id"));
+        QStringList colori;
+        for (rs.MoveFirst(); !rs.eof(); rs.MoveNext())
+            colori << forms::ColoreCassa(rs).value<QBrush>().color().name();
+        QCOMPARE(colori, (QStringList{"#c0c0c0", "#dfffea", "#fff2ea", "#ffffff"}));
+        QCOMPARE(db.scalar(QStringLiteral("select count(*) from Cassa where IdUtente = 7 and Esercizio = '2026' and IdCliente is null")).toInt(), 4);
+
+        using forms::EsitoTrova;
+        QCOMPARE(forms::TrovaInTabella(rs, QString(), QStringLiteral("r"), prompter), EsitoTrova::Rifiutato);
+        QCOMPARE(prompter.messages.last().text, frame::TestoLingua("M0081"));
+        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("R\"1"), prompter), EsitoTrova::Rifiutato);
+        QCOMPARE(prompter.messages.last().text, frame::TestoLingua("CAP20"));
+        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("R02"), prompter), EsitoTrova::Trovato);
+        QCOMPARE(rs.value(QStringLiteral("Descrizione")).toString(), QStringLiteral("r02"));
+        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("zz"), prompter), EsitoTrova::NonTrovato);
+        QCOMPARE(rs.value(QStringLiteral("Descrizione")).toString(), QStringLiteral("r02"));
         db.execute(QStringLiteral("delete from Cassa"));
     }
 

@@ -4,6 +4,7 @@
 // count line, the two layouts and the filter panel, with bad input in its boxes.
 #include <FrmResto.h>
 #include <frmPark.h>
+#include <frmtabelle.h>
 
 #include <Currency.h>
 #include <Database.h>
@@ -207,6 +208,38 @@ private slots:
         c<QPushButton>("ComAnn")->click();
         QVERIFY(movimenti().last().annullato);
         QCOMPARE(c<QLabel>("LblAuto")->text(), TestoLingua("M0299") + QStringLiteral(": 0"));
+    }
+
+    // A band changed in the table editor, by typing in its grid, is the band the next exit prices with.
+    void aBandEditedPricesTheNextExit()
+    {
+        forms::frmtabelle tabella(m_prompter);
+        tabella.setAttribute(Qt::WA_DeleteOnClose, false);
+        tabella.CaricaTextFormatGriglia(forms::ImpostazioneFascia());
+        QVERIFY(showActive(&tabella));
+        auto *griglia = tabella.findChild<QTableView *>(QStringLiteral("grdDataGrid"));
+        forms::RecordsetModel &m = tabella.datPrimaryRS();
+        griglia->setCurrentIndex(m.index(0, m.colonna(QStringLiteral("Importo")))); // band 01, 2.00 an hour
+        griglia->edit(griglia->currentIndex());
+        QWidget *editore = QApplication::focusWidget();
+        QVERIFY(qobject_cast<QLineEdit *>(editore));
+        QTest::keyClicks(editore, QStringLiteral("5x")); // the letter is refused by the box
+        QTest::keyClick(editore, Qt::Key_Tab);
+        QCOMPARE(frame::basedati().scalar(QStringLiteral("select Importo from Fascia where id = '01'")).toString(), QStringLiteral("50000"));
+        tabella.close();
+
+        QVERIFY(showActive(m_park.get()));
+        c("TxtDR_0")->clear();
+        entra(QStringLiteral("AB123CD"));
+        c("TxtProg")->setText(QStringLiteral("1"));
+        QTest::keyClick(m_park.get(), Qt::Key_F1);
+        m_adesso = Inizio.addSecs(150 * 60);
+        Resto resto;
+        chiudiResto(&resto);
+        m_prompter.answer(Prompter::Answer::Ok);
+        c<QPushButton>("CmdEntraEsce")->click();
+        QCOMPARE(movimenti().size(), 1);
+        QCOMPARE(movimenti().first().importo.toPlainText(), QStringLiteral("15")); // three hours started at 5.00
     }
 
     // A correction right after an entry works on the row the panel shows, never on boxes

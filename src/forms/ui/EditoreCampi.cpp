@@ -27,33 +27,37 @@ QChar separatore()
 
 } // namespace
 
-QWidget *EditoreCampi::createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const
+QWidget *EditoreCampi::creaCasella(const store::FieldInfo &campo, QWidget *parent)
 {
-    const store::FieldInfo *f = campo(index);
-    if (!f)
-        return QStyledItemDelegate::createEditor(parent, option, index);
     using store::FieldKind;
-    switch (f->kind) {
+    switch (campo.kind) {
     case FieldKind::Date:
         return new frame::CasellaData(parent);
     case FieldKind::Currency:
     case FieldKind::Double:
     case FieldKind::Long: {
         auto *e = new QLineEdit(parent);
-        e->setValidator(frame::ValidatoreCasella::numero(e, f->kind != FieldKind::Long));
+        e->setValidator(frame::ValidatoreCasella::numero(e, campo.kind != FieldKind::Long));
         e->setAlignment(Qt::AlignRight);
         return e;
     }
     case FieldKind::Text:
     case FieldKind::Memo: {
         auto *e = new QLineEdit(parent);
-        if (f->size > 0)
-            e->setMaxLength(f->size);
+        if (campo.size > 0)
+            e->setMaxLength(campo.size);
         return e;
     }
     default:
-        return QStyledItemDelegate::createEditor(parent, option, index);
+        return nullptr;
     }
+}
+
+QWidget *EditoreCampi::createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const store::FieldInfo *f = campo(index);
+    QWidget *w = f ? creaCasella(*f, parent) : nullptr;
+    return w ? w : QStyledItemDelegate::createEditor(parent, option, index);
 }
 
 void EditoreCampi::setEditorData(QWidget *editor, const QModelIndex &index) const

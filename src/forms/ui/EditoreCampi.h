@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include <FieldKind.h>
+
 #include <QStyledItemDelegate>
 
 namespace forms {
@@ -14,6 +16,8 @@ class EditoreCampi final : public QStyledItemDelegate {
 
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+    // The box of a field's kind; nullptr for a kind without one of its own.
+    static QWidget *creaCasella(const store::FieldInfo &campo, QWidget *parent);
 
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void setEditorData(QWidget *editor, const QModelIndex &index) const override;

@@ -6,11 +6,13 @@
 #include "frmMain.h"
 
 #include <frmPark.h>
+#include <frmtabelle.h>
 #include <frmStampaCassa.h>
 #include <frmStampaPark.h>
 
 #include <Aggiornamento.h>
 
+#include <DbError.h>
 #include <EngineCheck.h>
 #include <Language.h>
 #include <PublicState.h>
@@ -68,10 +70,35 @@ frmMain::Apertura unicaInterna()
     };
 }
 
+// A new table editor at each click, inside the main window's area: two tables may be open at once.
+frmMain::Apertura tabella(forms::ImpostazioneTabella (*impostazione)())
+{
+    return [impostazione](frmMain &main) -> QWidget * {
+        const forms::ImpostazioneTabella i = impostazione();
+        auto *f = new forms::frmtabelle(main.prompter());
+        f->setWindowTitle(TestoLingua(i.titolo));
+        f->sorgente_data = i.tabella;
+        try {
+            f->CaricaTextFormatGriglia(i);
+        } catch (const store::DbError &e) {
+            delete f;
+            MostraErrore(main.prompter(), e.message());
+            return nullptr;
+        }
+        QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(f);
+        sotto->setAttribute(Qt::WA_DeleteOnClose);
+        sotto->resize(f->size().boundedTo(main.mdiArea()->viewport()->size()));
+        sotto->show();
+        return f;
+    };
+}
+
 // The windows behind the items of the menus, by item number.
 void RegistraFinestre(frmMain &main)
 {
     main.RegistraFinestra(111, unicaInterna<parking::frmPark>());
+    main.RegistraFinestra(201, tabella(forms::ImpostazioneFascia));
+    main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());
     main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
 }

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Tabelle.h"
+
+#include <Currency.h>
+#include <Language.h>
+#include <Prompter.h>
+#include <PublicState.h>
+#include <Recordset.h>
+
+#include <QBrush>
+#include <QColor>
+#include <QDateTime>
+
+namespace forms {
+
+ImpostazioneTabella ImpostazioneFascia()
+{
+    return {QStringLiteral("Fascia"),
+            "M0325",
+            QStringLiteral("id"),
+            {{QStringLiteral("id"), "M0319"},
+             {QStringLiteral("DescrizioneFascia"), "M0320"},
+             {QStringLiteral("importo"), "M0322"},
+             {QStringLiteral("Minuti1Frazione"), "M0321"},
+             {QStringLiteral("MinutiSucFrazione"), "M0323"},
+             {QStringLiteral("ImportoSuccessivo"), "M0324"}},
+            {},
+            {{QStringLiteral("DescrizioneFascia"), 4000}, {QStringLiteral("Importo"), 1000}, {QStringLiteral("ImportoSuccessivo"), 1000}}};
+}
+
+ImpostazioneTabella ImpostazioneCassa()
+{
+    return {QStringLiteral("Cassa"),
+            "M0267",
+            QStringLiteral("Data"),
+            {{QStringLiteral("Data"), "M0249"},
+             {QStringLiteral("Descrizione"), "M0210"},
+             {QStringLiteral("entrata"), "M0355"},
+             {QStringLiteral("uscita"), "M0356"}},
+            {QStringLiteral("id"), QStringLiteral("idcliente"), QStringLiteral("idUtente"), QStringLiteral("esercizio")},
+            {{QStringLiteral("Descrizione"), 4000}}};
+}
+
+QString IstruzioneTabella(const QString &tabella, const QString &ordine)
+{
+    QString sql = QStringLiteral("select * from [") + tabella + QLatin1Char(']');
+    if (!ordine.isEmpty())
+        sql += QStringLiteral(" Order by ") + ordine;
+    return sql;
+}
+
+void OrdineTabella::clic(const QString &campo)
+{
+    m_discendente = campo.compare(m_campo, Qt::CaseInsensitive) == 0 && !m_discendente;
+    m_campo = campo;
+}
+
+bool ConvalidaCampo(const store::FieldInfo &campo, QVariant &valore, frame::Prompter &prompter)
+{
+    using store::FieldKind;
+    switch (campo.kind) {
+    case FieldKind::Date:
+        if (valore.isValid() && !valore.isNull() && !valore.toDateTime().isValid()) {
+            prompter.message(frame::TestoLingua("M0008"), frame::Prompter::Icon::Exclamation); // not a date
+            return false;
+        }
+        return true;
+    case FieldKind::Currency:
+        if (valore.userType() != qMetaTypeId<store::Currency>())
+            valore = QVariant::fromValue(store::Currency());
+        return true;
+    case FieldKind::Double:
+    case FieldKind::Long: {
+        bool numero = false;
+        valore.toString().toDouble(&numero);
+        if (!valore.isValid() || valore.isNull() || !numero)
+            valore = campo.kind == FieldKind::Long ? QVariant(qint64(0)) : QVariant(0.0);
+        return true;
+    }
+    default:
+        return true;
+    }
+}
+
+void CompletaRiga(store::Recordset &rs)
+{
+    for (const store::FieldInfo &f : rs.fields()) {
+        const QString nome = f.name.toUpper();
+        if (nome == QLatin1String("IDUTENTE") && !rs.value(f.name).isValid())
+            rs.setValue(f.name, frame::pub().IdUtenteCorrente);
+        else if (nome == QLatin1String("ESERCIZIO"))
+            rs.setValue(f.name, frame::pub().AnnoEsercizio);
+    }
+}
+
+QVariant ColoreCassa(const store::Recordset &rs)
+{
+    if (rs.baseTable().compare(QLatin1String("Cassa"), Qt::CaseInsensitive) != 0)
+        return {};
+    // A null amount counts as not above 0.
+    const bool entrata = rs.value(QStringLiteral("Entrata")).toDouble() > 0;
+    const bool uscita = rs.value(QStringLiteral("Uscita")).toDouble() > 0;
+    if (entrata && uscita)
+        return QBrush(QColor(192, 192, 192));
+    if (entrata)
+        return QBrush(QColor(223, 255, 234));
+    if (uscita)
+        return QBrush(QColor(255, 242, 234));
+    return QBrush(Qt::white);
+}
+
+EsitoTrova TrovaInTabella(store::Recordset &rs, const QString &campo, const QString &testo, frame::Prompter &prompter)
+{
+    if (campo.isEmpty()) {
+        prompter.message(frame::TestoLingua("M0081"), frame::Prompter::Icon::Exclamation);
+        return EsitoTrova::Rifiutato;
+    }
+    if (testo.contains(QLatin1Char('"'))) {
+        prompter.message(frame::TestoLingua("CAP20"), frame::Prompter::Icon::Exclamation); // a double quote can't be searched
+        return EsitoTrova::Rifiutato;
+    }
+    const int colonna = rs.fieldIndex(campo);
+    if (colonna < 0)
+        return EsitoTrova::Rifiutato;
+    return rs.FindFirst([&](const store::Recordset &r) {
+               return r.value(colonna).toString().startsWith(testo, Qt::CaseInsensitive);
+           })
+               ? EsitoTrova::Trovato
+               : EsitoTrova::NonTrovato;
+}
+
+} // namespace forms

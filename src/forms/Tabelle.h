@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+#include <FieldKind.h>
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+namespace frame {
+class Prompter;
+}
+namespace store {
+class Recordset;
+}
+
+namespace forms {
+
+// What the tables menu sets up for the table editor: the table, its caption,
+// its sort field, the columns shown with their caption keys, the hidden ones
+// and the widths (in twips, as the grid takes them).
+struct ImpostazioneTabella {
+    struct Colonna {
+        QString campo;
+        const char *didascalia;
+    };
+    QString tabella;
+    const char *titolo = nullptr;
+    QString ordine;
+    QList<Colonna> colonne;
+    QStringList nascoste;
+    QHash<QString, int> larghezze;
+};
+ImpostazioneTabella ImpostazioneFascia();
+ImpostazioneTabella ImpostazioneCassa();
+
+// The statement of the editor: the table, by the sort field when there is one.
+QString IstruzioneTabella(const QString &tabella, const QString &ordine);
+
+// The sort of the editor: a click on a heading sorts by that field, and a second
+// click on the same one sorts it descending (" desc"); a click elsewhere ascending.
+class OrdineTabella {
+public:
+    explicit OrdineTabella(QString campo) : m_campo(std::move(campo)) {}
+    void clic(const QString &campo);
+    const QString &campo() const { return m_campo; }
+    bool discendente() const { return m_discendente; }
+    QString testo() const { return m_campo.isEmpty() ? QString() : m_campo + (m_discendente ? QStringLiteral(" desc") : QString()); }
+
+private:
+    QString m_campo;
+    bool m_discendente = false;
+};
+
+// The check before a row is written, field by field: a date that isn't one is
+// refused (false, with the message shown); an empty or unreadable number becomes 0.
+bool ConvalidaCampo(const store::FieldInfo &campo, QVariant &valore, frame::Prompter &prompter);
+// What a new row gets by itself: IDUTENTE the current user when still empty, ESERCIZIO the fiscal year.
+void CompletaRiga(store::Recordset &rs);
+// The back colour of a cash-book row by its amounts; invalid for other tables' rows.
+QVariant ColoreCassa(const store::Recordset &rs);
+
+// The find of the editor: the first row from the top whose sort field begins with
+// the text (case-blind). M0081 without a sort field; a text with a double quote
+// is refused with its message, since the criterion can't hold one. False when
+// nothing was found or the find could not run; the set stays where it was.
+enum class EsitoTrova { Trovato, NonTrovato, Rifiutato };
+EsitoTrova TrovaInTabella(store::Recordset &rs, const QString &campo, const QString &testo, frame::Prompter &prompter);
+
+} // namespace forms
