@@ -5,7 +5,9 @@
 #include <Language.h>
 #include <Prompter.h>
 #include <PublicState.h>
+#include <Database.h>
 #include <Recordset.h>
+#include <Routines.h>
 
 #include <QBrush>
 #include <QColor>
@@ -109,7 +111,8 @@ QVariant ColoreCassa(const store::Recordset &rs)
     return QBrush(Qt::white);
 }
 
-EsitoTrova TrovaInTabella(store::Recordset &rs, const QString &campo, const QString &testo, frame::Prompter &prompter)
+EsitoTrova TrovaInTabella(store::Database &db, const QString &sql, const QString &chiave, const QString &campo, const QString &testo,
+                          frame::Prompter &prompter, QVariant *trovata)
 {
     if (campo.isEmpty()) {
         prompter.message(frame::TestoLingua("M0081"), frame::Prompter::Icon::Exclamation);
@@ -119,14 +122,10 @@ EsitoTrova TrovaInTabella(store::Recordset &rs, const QString &campo, const QStr
         prompter.message(frame::TestoLingua("CAP20"), frame::Prompter::Icon::Exclamation); // a double quote can't be searched
         return EsitoTrova::Rifiutato;
     }
-    const int colonna = rs.fieldIndex(campo);
-    if (colonna < 0)
-        return EsitoTrova::Rifiutato;
-    return rs.FindFirst([&](const store::Recordset &r) {
-               return r.value(colonna).toString().startsWith(testo, Qt::CaseInsensitive);
-           })
-               ? EsitoTrova::Trovato
-               : EsitoTrova::NonTrovato;
+    // One query in the list's own order: the engine stops at the first row, and walks an index where there is one.
+    *trovata = db.scalar(QStringLiteral("select [%1] from (%2) where [%3] like ? escape '\\' limit 1").arg(chiave, sql, campo),
+                         {frame::EscapeLike(testo) + QLatin1Char('%')});
+    return trovata->isValid() ? EsitoTrova::Trovato : EsitoTrova::NonTrovato;
 }
 
 } // namespace forms

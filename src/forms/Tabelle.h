@@ -12,6 +12,7 @@ namespace frame {
 class Prompter;
 }
 namespace store {
+class Database;
 class Recordset;
 }
 
@@ -61,11 +62,12 @@ void CompletaRiga(store::Recordset &rs);
 // The back colour of a cash-book row by its amounts; invalid for other tables' rows.
 QVariant ColoreCassa(const store::Recordset &rs);
 
-// The find of the editor: the first row from the top whose sort field begins with
-// the text (case-blind). M0081 without a sort field; a text with a double quote
-// is refused with its message, since the criterion can't hold one. False when
-// nothing was found or the find could not run; the set stays where it was.
+// The find of the editor: the key of the first row of the list (its query
+// `sql`, in its order) whose sort field begins with the text, case-blind.
+// M0081 without a sort field; a text with a double quote is refused with its
+// message. The list stays where it was when nothing is found.
 enum class EsitoTrova { Trovato, NonTrovato, Rifiutato };
-EsitoTrova TrovaInTabella(store::Recordset &rs, const QString &campo, const QString &testo, frame::Prompter &prompter);
+EsitoTrova TrovaInTabella(store::Database &db, const QString &sql, const QString &chiave, const QString &campo, const QString &testo,
+                          frame::Prompter &prompter, QVariant *trovata);
 
 } // namespace forms

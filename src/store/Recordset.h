@@ -50,6 +50,7 @@ public:
     int fieldIndex(const QString &name) const; // case-blind, -1 when absent
     const FieldInfo &field(const QString &name) const;
     bool updatable() const { return m_keyColumn >= 0; }
+    QString keyField() const { return m_keyColumn >= 0 ? m_fields[m_keyColumn].name : QString(); }
     const QString &baseTable() const { return m_baseTable; }
 
     // Navigation. Positions run from 0; -1 is before the first row (BOF) and

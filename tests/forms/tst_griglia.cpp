@@ -367,14 +367,18 @@ private slots:
         QCOMPARE(db.scalar(QStringLiteral("select count(*) from Cassa where IdUtente = 7 and Esercizio = '2026' and IdCliente is null")).toInt(), 4);
 
         using forms::EsitoTrova;
-        QCOMPARE(forms::TrovaInTabella(rs, QString(), QStringLiteral("r"), prompter), EsitoTrova::Rifiutato);
+        const QString elenco = forms::IstruzioneTabella(QStringLiteral("Cassa"), QStringLiteral("Descrizione desc"));
+        QVariant chiave;
+        const auto trova = [&](const QString &campo, const QString &testo) {
+            return forms::TrovaInTabella(db, elenco, QStringLiteral("id"), campo, testo, prompter, &chiave);
+        };
+        QCOMPARE(trova(QString(), QStringLiteral("r")), EsitoTrova::Rifiutato);
         QCOMPARE(prompter.messages.last().text, frame::TestoLingua("M0081"));
-        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("R\"1"), prompter), EsitoTrova::Rifiutato);
+        QCOMPARE(trova(QStringLiteral("Descrizione"), QStringLiteral("R\"1")), EsitoTrova::Rifiutato);
         QCOMPARE(prompter.messages.last().text, frame::TestoLingua("CAP20"));
-        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("R02"), prompter), EsitoTrova::Trovato);
-        QCOMPARE(rs.value(QStringLiteral("Descrizione")).toString(), QStringLiteral("r02"));
-        QCOMPARE(forms::TrovaInTabella(rs, QStringLiteral("Descrizione"), QStringLiteral("zz"), prompter), EsitoTrova::NonTrovato);
-        QCOMPARE(rs.value(QStringLiteral("Descrizione")).toString(), QStringLiteral("r02"));
+        QCOMPARE(trova(QStringLiteral("Descrizione"), QStringLiteral("R1")), EsitoTrova::Trovato); // r11 comes before r10, descending
+        QCOMPARE(db.scalar(QStringLiteral("select Descrizione from Cassa where id = ?"), {chiave}).toString(), QStringLiteral("r11"));
+        QCOMPARE(trova(QStringLiteral("Descrizione"), QStringLiteral("%_")), EsitoTrova::NonTrovato); // pattern letters are plain text
         db.execute(QStringLiteral("delete from Cassa"));
     }
 

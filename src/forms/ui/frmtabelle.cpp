@@ -187,10 +187,11 @@ void frmtabelle::trova()
         m_ui->Text1->setFocus();
         return;
     }
-    store::Recordset &rs = m_model->recordset();
-    const EsitoTrova esito = TrovaInTabella(rs, m_ordine.campo(), m_ui->Text1->text(), m_prompter);
+    QVariant chiave;
+    const EsitoTrova esito = TrovaInTabella(frame::basedati(), m_model->sql(), m_model->recordset().keyField(), m_ordine.campo(),
+                                            m_ui->Text1->text(), m_prompter, &chiave);
     if (esito == EsitoTrova::Trovato) {
-        const QModelIndex i = m_model->index(m_model->posizione(rs.key()), std::max(0, m_ui->grdDataGrid->currentIndex().column()));
+        const QModelIndex i = m_model->index(m_model->posizione(chiave), std::max(0, m_ui->grdDataGrid->currentIndex().column()));
         m_ui->grdDataGrid->setCurrentIndex(i);
         m_ui->grdDataGrid->scrollTo(i);
     } else if (esito == EsitoTrova::NonTrovato) {
