@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -328,9 +329,13 @@ QVariant RecordsetModel::testo(const store::FieldInfo &f, const QVariant &v) con
     }
     case FieldKind::Currency: {
         // Rounded half away from zero to the cent, from the exact amount.
+        // Whole units and cents apart, so that no amount goes through a floating number.
         const qint64 raw = v.value<store::Currency>().raw();
         const qint64 centesimi = (raw + (raw >= 0 ? 50 : -50)) / 100;
-        return QLocale().toString(double(centesimi) / 100.0, 'f', 2);
+        const QLocale l;
+        const QString segno = centesimi < 0 && centesimi > -100 ? l.negativeSign() : QString();
+        return segno + l.toString(centesimi / 100) + l.decimalPoint()
+               + QStringLiteral("%1").arg(std::abs(centesimi % 100), 2, 10, QLatin1Char('0'));
     }
     case FieldKind::Double:
         return QLocale().toString(v.toDouble(), 'g', QLocale::FloatingPointShortest);

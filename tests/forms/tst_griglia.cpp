@@ -117,6 +117,15 @@ private slots:
         // Currency: two decimals, rounded half away from zero from the exact amount.
         QCOMPARE(cella(0, "Importo").toString(), QLocale().toString(0.13, 'f', 2));
         QCOMPARE(cella(2, "Importo").toString(), QLocale().toString(0.38, 'f', 2));
+        // Amounts shown from whole units and cents, never through a floating number.
+        store::Database &db = frame::basedati();
+        db.execute(QStringLiteral("insert into Fascia (id, Importo) values ('x1', -5000), ('x2', 12345678999995)"));
+        RecordsetModel importi(db, QStringLiteral("select * from Fascia where id like 'x%' order by id"));
+        const int c = importi.colonna(QStringLiteral("Importo"));
+        const QLocale l;
+        QCOMPARE(importi.data(importi.index(0, c)).toString(), l.negativeSign() + QStringLiteral("0") + l.decimalPoint() + QStringLiteral("50"));
+        QCOMPARE(importi.data(importi.index(1, c)).toString(), l.toString(qint64(1234567900)) + l.decimalPoint() + QStringLiteral("00"));
+        db.execute(QStringLiteral("delete from Fascia where id like 'x%'"));
         QCOMPARE(cella(0, "Importo", RecordsetModel::RuoloValore).value<store::Currency>(), store::Currency::fromRaw(1250));
         // Dates in the user's format, with the time unless it is midnight.
         QCOMPARE(cella(0, "DataOra").toString(), frame::TestoData(entrata(1), true));
