@@ -8,6 +8,7 @@
 #include <Database.h>
 #include <Recordset.h>
 #include <Routines.h>
+#include <Schema.h>
 
 #include <QBrush>
 #include <QColor>
@@ -41,6 +42,12 @@ ImpostazioneTabella ImpostazioneCassa()
              {QStringLiteral("uscita"), "M0356"}},
             {QStringLiteral("id"), QStringLiteral("idcliente"), QStringLiteral("idUtente"), QStringLiteral("esercizio")},
             {{QStringLiteral("Descrizione"), 4000}}};
+}
+
+void PreparaTabella(store::Database &db, const QString &tabella)
+{
+    if (tabella.compare(QLatin1String("Cassa"), Qt::CaseInsensitive) == 0)
+        store::Schema::upgradeCashBook(db);
 }
 
 QString IstruzioneTabella(const QString &tabella, const QString &ordine)
@@ -123,8 +130,13 @@ EsitoTrova TrovaInTabella(store::Database &db, const QString &sql, const QString
         return EsitoTrova::Rifiutato;
     }
     // One query in the list's own order: the engine stops at the first row, and walks an index where there is one.
-    *trovata = db.scalar(QStringLiteral("select [%1] from (%2) where [%3] like ? escape '\\' limit 1").arg(chiave, sql, campo),
-                         {frame::EscapeLike(testo) + QLatin1Char('%')});
+    QString condizione = QStringLiteral("[%1] like ? escape '\\'").arg(campo);
+    QVariantList valori{frame::EscapeLike(testo) + QLatin1Char('%')};
+    if (const auto limiti = frame::LimitiPrefisso(testo)) { // the bounds narrow, the LIKE decides
+        condizione += QStringLiteral(" and [%1] >= ? and [%1] < ?").arg(campo);
+        valori << limiti->first << limiti->second;
+    }
+    *trovata = db.scalar(QStringLiteral("select [%1] from (%2) where %3 limit 1").arg(chiave, sql, condizione), valori);
     return trovata->isValid() ? EsitoTrova::Trovato : EsitoTrova::NonTrovato;
 }
 

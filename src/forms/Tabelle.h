@@ -36,6 +36,8 @@ struct ImpostazioneTabella {
 ImpostazioneTabella ImpostazioneFascia();
 ImpostazioneTabella ImpostazioneCassa();
 
+// What a table needs before the editor opens it: the cash book its description's index.
+void PreparaTabella(store::Database &db, const QString &tabella);
 // The statement of the editor: the table, by the sort field when there is one.
 QString IstruzioneTabella(const QString &tabella, const QString &ordine);
 

@@ -186,6 +186,24 @@ std::optional<QDate> LeggeData(const QString &testo)
     return data;
 }
 
+std::optional<std::pair<QString, QString>> LimitiPrefisso(const QString &prefisso)
+{
+    QString base = prefisso.normalized(QString::NormalizationForm_D);
+    base.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
+    if (base.isEmpty())
+        return std::nullopt;
+    for (QChar c : std::as_const(base))
+        if (c.unicode() >= 0x80)
+            return std::nullopt;
+    QString basso = base.toLower();
+    const char16_t ultimo = basso.back().unicode();
+    if (ultimo >= 0x7F)
+        return std::nullopt;
+    QString alto = basso;
+    alto.back() = QChar(char16_t(ultimo + 1));
+    return std::make_pair(basso, alto);
+}
+
 QString EscapeLike(const QString &valore)
 {
     QString r;

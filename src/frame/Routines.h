@@ -8,6 +8,7 @@
 #include <QVariant>
 
 #include <optional>
+#include <utility>
 
 namespace store {
 class Database;
@@ -43,6 +44,11 @@ QVariant TestoONullo(const QVariant &valore);
 std::optional<QDate> LeggeData(const QString &testo);
 // A value made literal for a LIKE pattern whose escape character is '\\' (write "escape '\\'" after it).
 QString EscapeLike(const QString &valore);
+// The bounds [basso, alto) that hold, under the case-blind collation, every text
+// that begins with `prefisso` (case and accents aside), so that an index narrows
+// the rows a LIKE then checks. None when the prefix has letters the collation
+// orders by rules we don't bound (then the LIKE alone).
+std::optional<std::pair<QString, QString>> LimitiPrefisso(const QString &prefisso);
 // A date as the program shows dates (FormatoData), with the time when `conOra`; "" for no date.
 QString TestoData(const QDateTime &momento, bool conOra = false);
 // FormatoData as a Qt date format; with a four-digit year when `annoIntero`.

@@ -79,27 +79,6 @@ QList<Condizione> primaParte(OpzioneElenco opzione, const QDate &giorno)
     return c;
 }
 
-// The bounds [basso, alto) that hold, under the case-blind collation of Targa,
-// every text that begins with `prefisso` (case and accents aside), so that the
-// index on Targa narrows the rows the LIKE then checks. None when the prefix
-// has letters the collation orders by rules we don't bound (then LIKE alone).
-std::optional<std::pair<QString, QString>> limitiPrefisso(const QString &prefisso)
-{
-    QString base = prefisso.normalized(QString::NormalizationForm_D);
-    base.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
-    if (base.isEmpty())
-        return std::nullopt;
-    for (QChar c : std::as_const(base))
-        if (c.unicode() >= 0x80)
-            return std::nullopt;
-    QString basso = base.toLower();
-    const char16_t ultimo = basso.back().unicode();
-    if (ultimo >= 0x7F)
-        return std::nullopt;
-    QString alto = basso;
-    alto.back() = QChar(char16_t(ultimo + 1));
-    return std::make_pair(basso, alto);
-}
 
 // Second stage: the number, year and plate conditions that pick the row.
 struct SecondaParte {
@@ -124,7 +103,7 @@ SecondaParte secondaParte(const PannelloRicerca &p)
     if (!p.anno.isEmpty())
         s.condizioni << Condizione{QStringLiteral("Anno"), QStringLiteral("= ?"), {p.anno}, Indice::AnnoProgressivo};
     if (!p.targa.isEmpty()) {
-        if (const auto limiti = limitiPrefisso(p.targa)) {
+        if (const auto limiti = frame::LimitiPrefisso(p.targa)) {
             s.condizioni << Condizione{QStringLiteral("Targa"), QStringLiteral(">= ?"), {limiti->first}, Indice::Targa}
                          << Condizione{QStringLiteral("Targa"), QStringLiteral("< ?"), {limiti->second}, Indice::Targa};
             s.targaConIndice = true;

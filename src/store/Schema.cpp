@@ -93,6 +93,7 @@ CREATE TABLE Cassa (
 CREATE INDEX Cassa_IdCliente ON Cassa (IdCliente);
 CREATE INDEX Cassa_Data ON Cassa (Data);
 CREATE INDEX Cassa_Esercizio ON Cassa (Esercizio);
+CREATE INDEX Cassa_Descrizione ON Cassa (Descrizione);
 
 CREATE TABLE Fascia (
   id TEXT(10) PRIMARY KEY,
@@ -271,6 +272,12 @@ void upgradeRegister(Database &db)
         throw;
     }
     db.executeScript(QStringLiteral("RELEASE registro"));
+}
+
+void upgradeCashBook(Database &db)
+{
+    // The table editor sorts and finds the cash book by its description.
+    db.executeScript(QStringLiteral("CREATE INDEX IF NOT EXISTS Cassa_Descrizione ON Cassa (Descrizione)"));
 }
 
 void refillRegisterCounts(Database &db)

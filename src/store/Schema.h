@@ -13,6 +13,8 @@ void createWorkingTables(Database &db);
 // Brings a register made by an earlier version up to date: its counts
 // (ConteggiMovimenti, filled here) and the index of plates with years.
 void upgradeRegister(Database &db);
+// The cash book's index on its description, where a file made earlier lacks it.
+void upgradeCashBook(Database &db);
 // Counts the register again; for a copy whose rows were not all saved.
 void refillRegisterCounts(Database &db);
 // The delivered rows: the settings row, the two system users, example tariff bands.

@@ -80,6 +80,7 @@ void frmtabelle::CaricaTextFormatGriglia(const ImpostazioneTabella &impostazione
 void frmtabelle::apri()
 {
     store::Database &db = frame::basedati();
+    PreparaTabella(db, sorgente_data);
     m_model = std::make_unique<RecordsetModel>(db, IstruzioneTabella(sorgente_data, m_ordine.campo()));
     RecordsetModel &m = *m_model;
     // The rows are checked field by field and completed by themselves before each write.
