@@ -726,7 +726,8 @@ bool Recordset::fetchRun(qint64 pos)
 bool Recordset::farFromRead(qint64 pos) const
 {
     constexpr qint64 Far = NearRows;
-    if (pos < m_keys.size())
+    // Past the counted end there is no key to jump to: reading on (MoveLast's) finds the end.
+    if (pos < m_keys.size() || (m_total && pos >= *m_total))
         return false;
     if (m_runBase < 0)
         return pos - m_keys.size() > Far && !m_exhausted;
