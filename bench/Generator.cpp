@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Generator.h"
 
-#include <Database.h>
-#include <Schema.h>
+#include "store/Database.h"
+#include "store/Schema.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

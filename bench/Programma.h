@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Language.h>
-#include <PublicState.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -6,13 +6,13 @@
 #include "AlwaysOk.h"
 #include "Generator.h"
 
-#include <Backup.h>
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Schema.h>
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "safety/Backup.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Schema.h"
 
 #include <QCoreApplication>
 #include <QDir>

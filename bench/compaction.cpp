@@ -5,9 +5,9 @@
 // is deleted, with the file size before and after.
 #include "Generator.h"
 
-#include <Compaction.h>
-#include <Database.h>
-#include <DbError.h>
+#include "safety/Compaction.h"
+#include "store/Database.h"
+#include "store/DbError.h"
 
 #include <QCoreApplication>
 #include <QDir>

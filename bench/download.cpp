@@ -7,8 +7,8 @@
 // read, under 50 MB of memory above the program's own.
 #include "Misure.h"
 
-#include <CNetGet.h>
-#include <frmDownload.h>
+#include "upgrade/CNetGet.h"
+#include "upgrade/ui/frmDownload.h"
 
 #include <QApplication>
 #include <QEventLoop>

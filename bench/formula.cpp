@@ -2,7 +2,7 @@
 // bench_formula [ROWS]: compiles the parking report's selections and runs them
 // over in-memory movements (a million by default, dates over five years),
 // printing rows per second for each; the best of five passes counts.
-#include "Formula.h"
+#include "reports/formula/Formula.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 // veltano_generate PATH [MOVEMENTS]: writes a large working database for the benchmarks.
 #include "Generator.h"
 
-#include <DbError.h>
+#include "store/DbError.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

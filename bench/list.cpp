@@ -6,14 +6,14 @@
 #include "Generator.h"
 #include "Misure.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <RecordsetModel.h>
-#include <Ricerca.h>
-#include <Routines.h>
+#include "forms/RecordsetModel.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "parking/Ricerca.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 #include <QApplication>
 #include <QDir>

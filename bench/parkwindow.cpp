@@ -11,13 +11,13 @@
 #include "Misure.h"
 #include "Programma.h"
 
-#include <frmPark.h>
+#include "parking/ui/frmPark.h"
 
-#include <Connections.h>
-#include <FormRecord.h>
-#include <PublicState.h>
-#include <RecordsetModel.h>
-#include <Routines.h>
+#include "forms/RecordsetModel.h"
+#include "forms/ui/FormRecord.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Connections.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -6,13 +6,13 @@
 #include "Generator.h"
 #include "Programma.h"
 
-#include <Connections.h>
-#include <Contabilizzazione.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "parking/Contabilizzazione.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -7,10 +7,10 @@
 #include "Programma.h"
 #include "Misure.h"
 
-#include <CrystalReport.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "reports/engine/CrystalReport.h"
+#include "store/DbError.h"
 
 #include <QApplication>
 #include <QDir>

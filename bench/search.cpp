@@ -9,14 +9,14 @@
 #include "Programma.h"
 #include "Misure.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Ricerca.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "parking/Ricerca.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -5,8 +5,8 @@
 // home of its own, so the user's settings are never touched.
 #include "Generator.h"
 
-#include <EntryRoutine.h>
-#include <Version.h>
+#include "frame/Version.h"
+#include "frame/ui/EntryRoutine.h"
 
 #include <QDialog>
 #include <QDir>

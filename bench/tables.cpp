@@ -7,13 +7,13 @@
 #include "Misure.h"
 #include "Programma.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Routines.h>
-#include <Schema.h>
-#include <Tabelle.h>
-#include <frmtabelle.h>
+#include "forms/Tabelle.h"
+#include "forms/ui/frmtabelle.h"
+#include "frame/Routines.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Schema.h"
 
 
 
@@ -58,7 +58,8 @@ void misura(const forms::ImpostazioneTabella &imp, const QString &cerca, QTextSt
             t->CaricaTextFormatGriglia(imp);
             t->resize(1000, 700);
             t->show();
-            QTest::qWaitForWindowExposed(t);
+            if (!QTest::qWaitForWindowExposed(t))
+                qWarning("the editor was not shown");
             t->grab();
         }));
         auto *g = t->findChild<QTableView *>(QStringLiteral("grdDataGrid"));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <EntryRoutine.h>
+#include "frame/ui/EntryRoutine.h"
 
 int main(int argc, char **argv)
 {

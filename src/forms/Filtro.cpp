@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Filtro.h"
+#include "forms/Filtro.h"
 
-#include <CrystalReport.h>
-#include <StampeOpzioni.h>
+#include "reports/runs/Lancio.h"
 
-#include <FieldKind.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/FieldKind.h"
 
-#include <QPrintPreviewWidget>
 #include <QRegularExpression>
-#include <QWidget>
 
 #include <cmath>
 
@@ -236,25 +233,17 @@ EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter)
     return EsitoRicerca::MostraElenco;
 }
 
-bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione, const QString &modello,
-                  const char *chiaveTitolo)
+reports::Lancio LancioFiltro(const Filtro &filtro, const QString &modello, const char *chiaveTitolo)
 {
-    reports::ImpostaModello(report, modello);
-    report.setSelectionFormula(filtro.formula);
-    report.setFormulas(0, filtro.descrizione.isEmpty() ? QStringLiteral("Descrizionefiltri0=''")
-                                                       : QStringLiteral("Descrizionefiltri0='Dati elaborati secondo i seguenti  criteri:'"));
-    report.setFormulas(1, QStringLiteral("Descrizionefiltri=") + TestoFormula(filtro.descrizione));
-    report.setFormulas(2, QStringLiteral("Titolo=") + TestoFormula(TestoLingua(chiaveTitolo)));
-    report.setDiscardSavedData(true);
-    report.setDestination(destinazione);
-    const bool ok = report.setAction(1);
-    if (QWidget *anteprima = ok && destinazione == reports::CrystalReport::ToWindow ? report.previewWindow() : nullptr) {
-        if (auto *pagine = anteprima->findChild<QPrintPreviewWidget *>()) {
-            pagine->setZoomMode(QPrintPreviewWidget::CustomZoom);
-            pagine->setZoomFactor(1.0);
-        }
-    }
-    return ok;
+    reports::Lancio l;
+    l.modello = modello;
+    l.selezione = filtro.formula;
+    l.formule.insert(0, filtro.descrizione.isEmpty() ? QStringLiteral("Descrizionefiltri0=''")
+                                                     : QStringLiteral("Descrizionefiltri0='Dati elaborati secondo i seguenti  criteri:'"));
+    l.formule.insert(1, QStringLiteral("Descrizionefiltri=") + TestoFormula(filtro.descrizione));
+    l.formule.insert(2, QStringLiteral("Titolo=") + TestoFormula(TestoLingua(chiaveTitolo)));
+    l.zoom = 1.0;
+    return l;
 }
 
 } // namespace forms

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include "reports/runs/Lancio.h"
+
 #include <QDate>
 #include <QString>
 #include <QStringList>
@@ -10,10 +12,6 @@
 namespace frame {
 class Prompter;
 }
-namespace reports {
-class CrystalReport;
-}
-
 namespace forms {
 
 // The kind of a filter box: a text matched by the panel's match mode, or a
@@ -81,8 +79,7 @@ EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter);
 
 // Print mode: runs a list template (Elenco, the customers; ElencoMovimenti, the
 // movements) with the filter's selection, the description and the title.
-// Returns the engine's result; the preview opens at 100%.
-bool StampaFiltro(reports::CrystalReport &report, const Filtro &filtro, int destinazione = 0,
-                  const QString &modello = QStringLiteral("Elenco"), const char *chiaveTitolo = "M0327");
+// The preview opens at 100%.
+reports::Lancio LancioFiltro(const Filtro &filtro, const QString &modello = QStringLiteral("Elenco"), const char *chiaveTitolo = "M0327");
 
 } // namespace forms

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "MacchinaScheda.h"
+#include "forms/MacchinaScheda.h"
 
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <Rights.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "store/DbError.h"
 
 namespace forms {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Filtro.h"
-#include "RecordsetModel.h"
-#include "Scheda.h"
+#include "forms/Filtro.h"
+#include "forms/RecordsetModel.h"
+#include "forms/Scheda.h"
 
 #include <QObject>
 #include <QVector>

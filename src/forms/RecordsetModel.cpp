@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "RecordsetModel.h"
+#include "forms/RecordsetModel.h"
 
-#include <Currency.h>
-#include <DbError.h>
-#include <Prompter.h>
-#include <Routines.h>
+#include "frame/Prompter.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
+#include "store/DbError.h"
 
 #include <QBrush>
 #include <QColor>

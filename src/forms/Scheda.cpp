@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Scheda.h"
+#include "forms/Scheda.h"
 
-#include "RecordsetModel.h"
+#include "forms/RecordsetModel.h"
 
 namespace forms {
 

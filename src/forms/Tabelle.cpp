@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Tabelle.h"
+#include "forms/Tabelle.h"
 
-#include <Currency.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Database.h>
-#include <Recordset.h>
-#include <Routines.h>
-#include <Schema.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
+#include "store/Schema.h"
 
 #include <QBrush>
 #include <QColor>

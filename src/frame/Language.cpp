@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Language.h"
+#include "frame/Language.h"
 
-#include "SettingsStore.h"
+#include "frame/SettingsStore.h"
 
 #include <QCoreApplication>
 #include <QDir>

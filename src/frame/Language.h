@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "PublicState.h"
+#include "frame/PublicState.h"
 
 #include <QByteArray>
 #include <QLocale>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "PublicState.h"
+#include "frame/PublicState.h"
 
 namespace frame {
 

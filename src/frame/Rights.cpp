@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Rights.h"
+#include "frame/Rights.h"
 
-#include "Language.h"
-#include "Prompter.h"
-#include "PublicState.h"
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
 
-#include <Database.h>
+#include "store/Database.h"
 
 namespace frame {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Routines.h"
+#include "frame/Routines.h"
 
-#include "PublicState.h"
+#include "frame/PublicState.h"
 
-#include <Connections.h>
-#include <Recordset.h>
+#include "store/Connections.h"
+#include "store/Recordset.h"
 
 #include <QDir>
 #include <QFileInfo>

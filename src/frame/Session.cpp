@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Session.h"
+#include "frame/Session.h"
 
-#include "Language.h"
-#include "Prompter.h"
-#include "PublicState.h"
-#include "Routines.h"
-#include "SettingsStore.h"
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
 
-#include <DbError.h>
-#include <Database.h>
-#include <Recordset.h>
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 #include <QDir>
 #include <QFile>

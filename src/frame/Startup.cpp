@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Startup.h"
+#include "frame/Startup.h"
 
-#include "Language.h"
-#include "PublicState.h"
-#include "Routines.h"
-#include "SettingsStore.h"
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
 
-#include <DbError.h>
+#include "store/DbError.h"
 
 #include <QDate>
 #include <QDir>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "TestoCasella.h"
+#include "frame/TestoCasella.h"
 
-#include "PublicState.h"
-#include "Routines.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
 
 #include <QRegularExpression>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ContaRegistro.h"
+#include "parking/ContaRegistro.h"
 
-#include "Ricerca.h"
+#include "parking/Ricerca.h"
 
-#include <Database.h>
-#include <Schema.h>
+#include "store/Database.h"
+#include "store/Schema.h"
 
 namespace parking {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Recordset.h>
+#include "store/Recordset.h"
 
 namespace store {
 class Database;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Contabilizzazione.h"
+#include "parking/Contabilizzazione.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Rights.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Correzione.h"
-#include "Registro.h"
+#include "parking/Correzione.h"
+#include "parking/Registro.h"
 
-#include <Currency.h>
+#include "store/Currency.h"
 
 #include <QString>
 

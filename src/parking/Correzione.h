@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Registro.h"
+#include "parking/Registro.h"
 
 #include <QString>
 #include <QStringList>

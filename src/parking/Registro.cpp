@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Registro.h"
+#include "parking/Registro.h"
 
-#include "Tariffa.h"
+#include "parking/Tariffa.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 namespace parking {
 

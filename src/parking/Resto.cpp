@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Resto.h"
+#include "parking/Resto.h"
 
 #include <QLocale>
 

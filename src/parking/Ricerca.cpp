@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Ricerca.h"
+#include "parking/Ricerca.h"
 
-#include "ContaRegistro.h"
-#include "Correzione.h"
+#include "parking/ContaRegistro.h"
+#include "parking/Correzione.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <FieldKind.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/FieldKind.h"
+#include "store/Recordset.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -144,7 +144,7 @@ EsitoRicerca nonTrovato(const PannelloRicerca &p, const char *chiave, Prompter &
 
 SorgenteElenco SorgenteIniziale()
 {
-    return {QStringLiteral("select * from Q_Movimentazioni_Utenti where id =-1"), {}};
+    return {QStringLiteral("select * from Q_Movimentazioni_Utenti where id =-1"), {}, {}};
 }
 
 SorgenteElenco ElencoMovimenti(OpzioneElenco opzione, const QDate &giorno)

@@ -5,7 +5,7 @@
 #include <QVariant>
 #include <QVariantList>
 
-#include <Recordset.h>
+#include "store/Recordset.h"
 
 #include <optional>
 

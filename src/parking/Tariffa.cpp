@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Tariffa.h"
+#include "parking/Tariffa.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Routines.h"
+#include "store/Recordset.h"
 
 #include <QLocale>
 

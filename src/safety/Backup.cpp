@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Backup.h"
+#include "safety/Backup.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <FieldKind.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Sqlite.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/FieldKind.h"
+#include "store/Sqlite.h"
 
 #include <QDebug>
 #include <QDir>

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Compaction.h"
+#include "safety/Compaction.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Schema.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Sqlite.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Schema.h"
+#include "store/Sqlite.h"
 
 #include <QDir>
 #include <QFile>

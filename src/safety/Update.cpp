@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Update.h"
+#include "safety/Update.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Sqlite.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
 
 #include <QDebug>
 #include <QFileInfo>

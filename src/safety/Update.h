@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Prompter.h>
+#include "frame/Prompter.h"
 
 #include <QString>
 #include <QVector>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Connections.h"
+#include "store/Connections.h"
 
-#include "DbError.h"
-#include "Sqlite.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
 
 #include <QFileInfo>
 

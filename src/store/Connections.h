@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Database.h"
+#include "store/Database.h"
 
 #include <QString>
 #include <QStringList>

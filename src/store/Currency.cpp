@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Currency.h"
+#include "store/Currency.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Database.h"
+#include "store/Database.h"
 
-#include "DbError.h"
-#include "Sqlite.h"
-#include "UnicodeText.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
+#include "store/UnicodeText.h"
 
 #include <QFileInfo>
 #include <QtGlobal>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Statement.h"
+#include "store/Statement.h"
 
 #include <QString>
 #include <QVariantList>

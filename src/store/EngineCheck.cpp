@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "EngineCheck.h"
+#include "store/EngineCheck.h"
 
-#include "Sqlite.h"
+#include "store/Sqlite.h"
 
 #include <cstring>
 

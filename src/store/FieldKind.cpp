@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FieldKind.h"
+#include "store/FieldKind.h"
 
-#include "Currency.h"
+#include "store/Currency.h"
 
 #include <QDateTime>
 #include <QRegularExpression>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Recordset.h"
+#include "store/Recordset.h"
 
-#include "DbError.h"
-#include "Sqlite.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
 
 #include <QRegularExpression>
 #include <QStringList>

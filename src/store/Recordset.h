@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "Database.h"
-#include "FieldKind.h"
+#include "store/Database.h"
+#include "store/FieldKind.h"
 
 #include <QHash>
 #include <QList>

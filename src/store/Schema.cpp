@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Schema.h"
+#include "store/Schema.h"
 
-#include "Database.h"
-#include "DbError.h"
-#include "UnicodeText.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/UnicodeText.h"
 
 #include <QRegularExpression>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Statement.h"
+#include "store/Statement.h"
 
-#include "Currency.h"
-#include "DbError.h"
-#include "Sqlite.h"
+#include "store/Currency.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
 
 #include <QDateTime>
 

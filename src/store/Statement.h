@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "FieldKind.h"
+#include "store/FieldKind.h"
 
 #include <QString>
 #include <QVariant>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "UnicodeText.h"
+#include "store/UnicodeText.h"
 
-#include "Sqlite.h"
+#include "store/Sqlite.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the delivered empty databases into the folder given on the command line.
-#include "DbError.h"
-#include "Schema.h"
+#include "store/DbError.h"
+#include "store/Schema.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

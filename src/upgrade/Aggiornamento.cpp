@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Aggiornamento.h"
+#include "upgrade/Aggiornamento.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Version.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Version.h"
 
 #include <QCryptographicHash>
 #include <QDir>

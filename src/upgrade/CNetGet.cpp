@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "CNetGet.h"
+#include "upgrade/CNetGet.h"
 
-#include <PublicState.h>
+#include "frame/PublicState.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

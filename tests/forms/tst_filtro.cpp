@@ -1,21 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Filtro.h>
+#include "forms/Filtro.h"
 
-#include <CrystalReport.h>
-#include <Database.h>
-#include <Formula.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
-#include <TestoCasella.h>
+#include "reports/engine/CrystalReport.h"
+#include "reports/ui/VisoreAnteprima.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/TestoCasella.h"
+#include "reports/formula/Formula.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
+
+#include <QPrintPreviewDialog>
+
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+
+#include "support/Colonne.h"
 
 #include <QPrintPreviewWidget>
 #include <QTemporaryDir>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -368,11 +373,14 @@ private slots:
     {
         QTemporaryDir out;
         ScriptedPrompter p;
-        reports::CrystalReport report(p);
+        reports::VisoreAnteprima visore;
+        reports::CrystalReport report(p, &visore);
         report.setKeepLayout(true);
         report.setPrintFileName(out.filePath(QStringLiteral("elenco.pdf")));
         const forms::Filtro f = forms::CostruisciFiltro(Vista, {casella(QStringLiteral("Cognome"), TipoCasella::Testo, QStringLiteral("o'b"))}, 2, p);
-        QVERIFY2(forms::StampaFiltro(report, f, reports::CrystalReport::ToFile), qPrintable(report.lastError()));
+        reports::Lancio suFile = forms::LancioFiltro(f);
+        suFile.destinazione = reports::Lancio::ToFile;
+        QVERIFY2(report.esegui(suFile), qPrintable(report.lastError()));
         QCOMPARE(report.lastRowCount(), 1);
         const QStringList testata = report.laidOut(QStringLiteral("reportHeader")).value(0).texts;
         QVERIFY(testata.contains(QStringLiteral("Cognome contiene -o'b-")));
@@ -380,13 +388,13 @@ private slots:
         QVERIFY(testata.contains(frame::TestoLingua("M0327")));
 
         // No filter: every row, no heading of criteria; on screen at 100%.
-        QVERIFY(forms::StampaFiltro(report, forms::CostruisciFiltro(Vista, {}, 0, p)));
+        QVERIFY(report.esegui(forms::LancioFiltro(forms::CostruisciFiltro(Vista, {}, 0, p))));
         QCOMPARE(report.lastRowCount(), 13);
         QVERIFY(!report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Dati elaborati secondo i seguenti  criteri:")));
-        auto *anteprima = report.previewWindow() ? report.previewWindow()->findChild<QPrintPreviewWidget *>() : nullptr;
+        auto *anteprima = visore.finestra() ? visore.finestra()->findChild<QPrintPreviewWidget *>() : nullptr;
         QVERIFY(anteprima);
         QCOMPARE(anteprima->zoomFactor(), 1.0);
-        report.previewWindow()->close();
+        visore.finestra()->close();
         QVERIFY(p.messages.isEmpty());
     }
 };

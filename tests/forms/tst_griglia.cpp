@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The list grids: the lazy table model over a recordset, and the column layout files.
-#include <LayoutGriglia.h>
-#include <RecordsetModel.h>
-#include <Tabelle.h>
-#include <Currency.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include "ScriptedPrompter.h"
-#include "TestDatabase.h"
-#include "TestFiles.h"
+#include "forms/RecordsetModel.h"
+#include "forms/Tabelle.h"
+#include "forms/ui/LayoutGriglia.h"
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
+
 #include <QApplication>
 #include <QBrush>
 #include <QFile>

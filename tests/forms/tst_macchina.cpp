@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Currency.h>
-#include <Language.h>
-#include <MacchinaScheda.h>
-#include <PublicState.h>
-#include <Routines.h>
+#include "forms/MacchinaScheda.h"
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
 
-#include <Colonne.h>
+#include "support/Colonne.h"
+
 #include <QtTest>
 
 #include <memory>

@@ -2,25 +2,27 @@
 // The record form machine, driven on a small form over the band table: the
 // toolbar layouts, adding, editing, deleting and cancelling through bottoni,
 // the rights letter, the form keys, and the list and filter panels.
-#include <FormRecord.h>
-#include <PannelloFiltro.h>
-#include <Scheda.h>
-#include <StampaGriglia.h>
+#include "forms/Scheda.h"
+#include "forms/ui/FormRecord.h"
+#include "forms/ui/PannelloFiltro.h"
+#include "forms/ui/StampaGriglia.h"
 
-#include <Currency.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
 
-#include <CasellaData.h>
-#include <EditoreCampi.h>
-#include <frmtabelle.h>
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
-#include <TestFiles.h>
-#include <TestWindows.h>
+#include "forms/ui/EditoreCampi.h"
+#include "forms/ui/frmtabelle.h"
+#include "frame/widgets/CasellaData.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
+#include "support/TestWindows.h"
+
+#include "support/Colonne.h"
 
 #include <QAction>
 #include <QCalendarWidget>
@@ -36,7 +38,6 @@
 #include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Tests of the frame logic: shared routines, language texts, settings store and start-up steps.
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <ScriptedPrompter.h>
-#include <SettingsStore.h>
-#include <Startup.h>
-#include <TestDatabase.h>
-#include <TestFiles.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Startup.h"
+#include "store/Database.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
+
+#include "support/Colonne.h"
 
 #include <QDate>
 #include <QDir>
@@ -19,7 +21,6 @@
 #include <QSet>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <Colonne.h>
 #include <QtTest>
 
 using frame::pub;

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Connections.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Startup.h>
-#include <frmLogin.h>
-#include <frmMain.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Startup.h"
+#include "frame/ui/frmLogin.h"
+#include "frame/ui/frmMain.h"
+#include "store/Connections.h"
+#include "store/Database.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
-#include <TestFiles.h>
-#include <TestWindows.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
+#include "support/TestWindows.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -21,9 +21,10 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include "support/Colonne.h"
+
 #include <QFile>
 #include <QScreen>
-#include <Colonne.h>
 #include <QtTest>
 
 using frame::SettingsStore::get;

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Rights.h>
-#include <Routines.h>
-#include <Session.h>
-#include <SettingsStore.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "frame/Session.h"
+#include "frame/SettingsStore.h"
+#include "store/Database.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+
+#include "support/Colonne.h"
 
 #include <QFile>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>

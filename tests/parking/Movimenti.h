@@ -2,11 +2,11 @@
 // What the register's tests share: exact amounts, a clock moved by hand, the
 // window's set of movements, and rows read back as text.
 #pragma once
-#include <Currency.h>
-#include <Database.h>
-#include <Recordset.h>
-#include <Registro.h>
-#include <Routines.h>
+#include "frame/Routines.h"
+#include "parking/Registro.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
 
 #include <QStringList>
 

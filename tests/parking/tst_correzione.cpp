@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Movimenti.h"
 
-#include <Contabilizzazione.h>
-#include <Correzione.h>
-#include <FrmResto.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Resto.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "parking/Contabilizzazione.h"
+#include "parking/Correzione.h"
+#include "parking/Resto.h"
+#include "parking/ui/FrmResto.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+
+#include "support/Colonne.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <Colonne.h>
 #include <QtTest>
 
 using frame::Prompter;

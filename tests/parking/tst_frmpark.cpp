@@ -2,20 +2,22 @@
 // The parking window driven as the attendant drives it: a whole stay from the
 // entry key to the posting, the quick search, the corrections' refusals, the
 // count line, the two layouts and the filter panel, with bad input in its boxes.
-#include <FrmResto.h>
-#include <frmPark.h>
-#include <frmtabelle.h>
+#include "forms/ui/frmtabelle.h"
+#include "parking/ui/FrmResto.h"
+#include "parking/ui/frmPark.h"
 
-#include <Currency.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
-#include <TestWindows.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestWindows.h"
+
+#include "support/Colonne.h"
 
 #include <QAction>
 #include <QPrintPreviewDialog>
@@ -26,7 +28,6 @@
 #include <QRadioButton>
 #include <QTableView>
 #include <QTimer>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>

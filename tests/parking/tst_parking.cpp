@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Movimenti.h"
 
-#include <Language.h>
-#include <PublicState.h>
-#include <Tariffa.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "parking/Tariffa.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
 
-#include <Colonne.h>
+#include "support/Colonne.h"
+
 #include <QtTest>
 
 using frame::Prompter;

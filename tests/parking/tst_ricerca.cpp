@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Correzione.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Ricerca.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "parking/Correzione.h"
+#include "parking/Ricerca.h"
+#include "store/Database.h"
+#include "store/Recordset.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
 
-#include <Colonne.h>
+#include "support/Colonne.h"
+
 #include <QtTest>
 
 #include <algorithm>

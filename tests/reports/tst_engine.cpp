@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The report engine: templates, selection, sort, groups, variables, graphs and the three destinations.
-#include "ScriptedPrompter.h"
-#include "TestDatabase.h"
-#include "TestFiles.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
 
-#include <Connections.h>
-#include <CrystalReport.h>
-#include <Database.h>
-#include <PublicState.h>
+#include "frame/PublicState.h"
+#include "reports/engine/CrystalReport.h"
+#include "reports/ui/VisoreAnteprima.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+
+#include "support/Colonne.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -16,7 +19,6 @@
 #include <QPrinterInfo>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <Colonne.h>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -71,6 +73,7 @@ private:
     int m_file = 0;
     std::unique_ptr<TestDatabase> m_base;
     ScriptedPrompter p;
+    reports::VisoreAnteprima m_visore;
     std::unique_ptr<CrystalReport> m_report;
 
     // An engine set as the program's windows set it, writing a PDF.
@@ -101,7 +104,7 @@ private:
     // A fresh engine over `templ`, answering to p.
     CrystalReport &report(const QString &templ)
     {
-        m_report = std::make_unique<CrystalReport>(p);
+        m_report = std::make_unique<CrystalReport>(p, &m_visore);
         prepare(*m_report, templ);
         return *m_report;
     }
@@ -390,7 +393,7 @@ private slots:
         r.setWindowState(2);
         r.setWindowTitle(u"Parking report"_s);
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
-        auto *preview = qobject_cast<QPrintPreviewDialog *>(r.previewWindow());
+        QPrintPreviewDialog *preview = m_visore.finestra();
         QVERIFY(preview);
         QVERIFY(preview->isVisible());
         QVERIFY(!preview->isModal());
@@ -398,7 +401,7 @@ private slots:
         QVERIFY(preview->windowState() & Qt::WindowMaximized);
         QVERIFY(preview->findChild<QAction *>(u"savePdf"_s));
         QTimer::singleShot(50, preview, &QWidget::close);
-        QTRY_VERIFY(!r.previewWindow());
+        QTRY_VERIFY(!m_visore.finestra());
         QVERIFY(p.messages.isEmpty());
     }
 

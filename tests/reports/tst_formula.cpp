@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Formula.h"
+#include "reports/formula/Formula.h"
+
+#include "support/Colonne.h"
 
 #include <QRandomGenerator>
-#include <Colonne.h>
 #include <QtTest>
 #include <ctime>
 

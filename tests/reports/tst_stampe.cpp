@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <CasellaTesto.h>
-#include <CrystalReport.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <ReportChart.h>
-#include <Routines.h>
-#include <StampaMovimento.h>
-#include <StampeOpzioni.h>
-#include <frmStampaCassa.h>
-#include <frmPark.h>
-#include <frmStampaPark.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/widgets/CasellaTesto.h"
+#include "parking/StampaMovimento.h"
+#include "parking/ui/frmPark.h"
+#include "reports/engine/CrystalReport.h"
+#include "reports/engine/ReportChart.h"
+#include "reports/runs/StampeOpzioni.h"
+#include "reports/ui/frmStampaCassa.h"
+#include "reports/ui/frmStampaPark.h"
+#include "store/Database.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+
+#include "support/Colonne.h"
 
 #include <QCheckBox>
 #include <QImage>
@@ -21,7 +23,6 @@
 #include <QLineEdit>
 #include <QPrinterInfo>
 #include <QRadioButton>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>
@@ -195,7 +196,7 @@ private slots:
                                   "values ('2026', 1, '2026-03-10 10:00:00', 'AB123CD', '01', -1, 1)"));
         ScriptedPrompter p;
         reports::CrystalReport report(p);
-        QVERIFY(!parking::StampaMovimento(report, db.lastInsertId(), true));
+        QVERIFY(!report.esegui(parking::LancioMovimento(db.lastInsertId())));
         QCOMPARE(p.messages.size(), 1);
         QCOMPARE(db.scalar(QStringLiteral("select count(*) from Movimentazioni where Entrato = -1")).toInt(), 1);
     }

@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Backup.h>
-#include <Connections.h>
-#include <Database.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <frmCopia.h>
-#include <frmRipristina.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "safety/Backup.h"
+#include "safety/ui/frmCopia.h"
+#include "safety/ui/frmRipristina.h"
+#include "store/Connections.h"
+#include "store/Database.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
-#include <TestFiles.h>
-#include <TestWindows.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
+#include "support/TestWindows.h"
+
+#include "support/Colonne.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -21,7 +23,6 @@
 #include <QRegularExpression>
 #include <QTableView>
 #include <QThread>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <csignal>

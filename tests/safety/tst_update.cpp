@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Compaction.h>
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <ScriptedPrompter.h>
-#include <SettingsStore.h>
-#include <TestDatabase.h>
-#include <TestFiles.h>
-#include <Update.h>
-#include <Version.h>
-#include <frmAggiornaMDB.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Version.h"
+#include "safety/Compaction.h"
+#include "safety/Update.h"
+#include "safety/ui/frmAggiornaMDB.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,20 +2,20 @@
 // Work on the whole file (backup, compaction, restore) while sets of rows and
 // the parking window stay open on it: nothing they hold dies, they read the
 // file again afterwards, and the register goes on numbering without a gap.
-#include <FrmResto.h>
-#include <frmPark.h>
+#include "parking/ui/FrmResto.h"
+#include "parking/ui/frmPark.h"
 
-#include <Backup.h>
-#include <Compaction.h>
-#include <Connections.h>
-#include <DbError.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Routines.h>
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "safety/Backup.h"
+#include "safety/Compaction.h"
+#include "store/Connections.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
-#include <TestWindows.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+#include "support/TestWindows.h"
 
 #include <QDir>
 #include <QLabel>

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Connections.h>
-#include <Currency.h>
-#include <Database.h>
-#include <DbError.h>
-#include <FieldKind.h>
-#include <Recordset.h>
-#include <Schema.h>
-#include <UnicodeText.h>
+#include "store/Connections.h"
+#include "store/Currency.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/FieldKind.h"
+#include "store/Recordset.h"
+#include "store/Schema.h"
+#include "store/UnicodeText.h"
 
-#include <TestFiles.h>
+#include "support/TestFiles.h"
 
-#include <Colonne.h>
+#include "support/Colonne.h"
+
 #include <QtTest>
 
 #include <cmath>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "TestDatabase.h"
+#include "support/TestDatabase.h"
 
-#include <Connections.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Schema.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "store/Connections.h"
+#include "store/Schema.h"
 
 #include <QDir>
 

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <Aggiornamento.h>
-#include <CNetGet.h>
-#include <frmDownload.h>
+#include "upgrade/Aggiornamento.h"
+#include "upgrade/CNetGet.h"
+#include "upgrade/ui/frmDownload.h"
 
-#include <Language.h>
-#include <PublicState.h>
-#include <SettingsStore.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/SettingsStore.h"
 
-#include <ScriptedPrompter.h>
-#include <TestDatabase.h>
+#include "support/ScriptedPrompter.h"
+#include "support/TestDatabase.h"
+
+#include "support/Colonne.h"
 
 #include <QCryptographicHash>
 #include <QLabel>
@@ -20,7 +22,6 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
-#include <Colonne.h>
 #include <QtTest>
 
 #include <memory>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Didascalie.h"
+#include "forms/ui/Didascalie.h"
 
-#include <Language.h>
+#include "frame/Language.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "EditoreCampi.h"
+#include "forms/ui/EditoreCampi.h"
 
-#include <CasellaData.h>
-#include <CasellaTesto.h>
-#include <Currency.h>
-#include <RecordsetModel.h>
+#include "forms/RecordsetModel.h"
+#include "frame/widgets/CasellaData.h"
+#include "frame/widgets/CasellaTesto.h"
+#include "store/Currency.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FormRecord.h"
+#include "forms/ui/FormRecord.h"
 
-#include "Didascalie.h"
-#include "StampaGriglia.h"
+#include "forms/ui/Didascalie.h"
+#include "forms/ui/StampaGriglia.h"
 
-#include <CasellaData.h>
-#include <Colori.h>
-#include <Currency.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Rights.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "frame/widgets/CasellaData.h"
+#include "frame/widgets/Colori.h"
+#include "store/Currency.h"
+#include "store/DbError.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -111,7 +111,7 @@ void mostraValore(QWidget *w, const QVariant &v)
 } // namespace
 
 FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configurazione, QWidget *parent)
-    : QWidget(parent), m_report(prompter, this), m_toolbar(new QToolBar(this)), m_pannelli(new QStackedWidget(this)),
+    : QWidget(parent), m_visore(this), m_report(prompter, &m_visore), m_toolbar(new QToolBar(this)), m_pannelli(new QStackedWidget(this)),
       m_velo(nullptr), m_posizione(new QLabel(this)), m_filtri(new PannelloFiltro(this)), m_griglia(nullptr),
       m_chkOrdinamento(nullptr), m_cmbOrdinamento(nullptr)
 {
@@ -427,8 +427,7 @@ void FormRecord::Command6()
     }
     if (m_filtri->modo() == PannelloFiltro::Modo::Stampa) {
         MostraStato(QString());
-        StampaFiltro(m_report, f, reports::CrystalReport::ToWindow, m_macchina->configurazione().modelloStampa,
-                     m_macchina->configurazione().chiaveTitoloStampa);
+        m_report.esegui(LancioFiltro(f, m_macchina->configurazione().modelloStampa, m_macchina->configurazione().chiaveTitoloStampa));
         return;
     }
     const QString ordine = m_cmbOrdinamento->currentIndex() >= 0

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "PannelloFiltro.h"
+#include "forms/ui/PannelloFiltro.h"
 
-#include <CrystalReport.h>
-#include <MacchinaScheda.h>
+#include "forms/MacchinaScheda.h"
+#include "reports/engine/CrystalReport.h"
+#include "reports/ui/VisoreAnteprima.h"
 
 #include <QHash>
 #include <QPointer>
@@ -121,6 +122,7 @@ protected:
     bool event(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
+    reports::VisoreAnteprima m_visore;
     reports::CrystalReport m_report;
 
 private:

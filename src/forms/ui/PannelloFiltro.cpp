@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "PannelloFiltro.h"
+#include "forms/ui/PannelloFiltro.h"
 
-#include "Didascalie.h"
+#include "forms/ui/Didascalie.h"
 
-#include <CasellaData.h>
-#include <Language.h>
-#include <Recordset.h>
-#include <Scheda.h>
+#include "forms/Scheda.h"
+#include "frame/Language.h"
+#include "frame/widgets/CasellaData.h"
+#include "store/Recordset.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Filtro.h>
+#include "forms/Filtro.h"
 
 #include <QVector>
 #include <QWidget>

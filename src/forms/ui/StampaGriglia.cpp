@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "StampaGriglia.h"
+#include "forms/ui/StampaGriglia.h"
 
-#include <RecordsetModel.h>
-#include <Routines.h>
+#include "forms/RecordsetModel.h"
+#include "frame/Routines.h"
 
 #include <QDateTime>
 #include <QHeaderView>

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmtabelle.h"
+#include "forms/ui/frmtabelle.h"
 
-#include "EditoreCampi.h"
-#include "StampaGriglia.h"
+#include "forms/ui/EditoreCampi.h"
+#include "forms/ui/StampaGriglia.h"
 #include "ui_frmtabelle.h"
 
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Routines.h"
+#include "store/DbError.h"
 
 #include <QCloseEvent>
 #include <QDataWidgetMapper>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <RecordsetModel.h>
-#include <Tabelle.h>
+#include "forms/RecordsetModel.h"
+#include "forms/Tabelle.h"
 
 #include <QHash>
 #include <QWidget>

@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "EntryRoutine.h"
+#include "frame/ui/EntryRoutine.h"
 
-#include <MessageBoxPrompter.h>
-#include "frmLogin.h"
-#include "frmMain.h"
+#include "frame/ui/frmLogin.h"
+#include "frame/ui/frmMain.h"
+#include "frame/widgets/MessageBoxPrompter.h"
 
-#include <frmPark.h>
-#include <frmtabelle.h>
-#include <frmStampaCassa.h>
-#include <frmStampaPark.h>
+#include "forms/ui/frmtabelle.h"
+#include "parking/ui/frmPark.h"
+#include "reports/ui/frmStampaCassa.h"
+#include "reports/ui/frmStampaPark.h"
 
-#include <Aggiornamento.h>
+#include "upgrade/Aggiornamento.h"
 
-#include <DbError.h>
-#include <EngineCheck.h>
-#include <Language.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Startup.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Startup.h"
+#include "store/DbError.h"
+#include "store/EngineCheck.h"
 
 #include <QApplication>
 #include <QDir>

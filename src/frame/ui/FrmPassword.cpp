@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FrmPassword.h"
+#include "frame/ui/FrmPassword.h"
 
 #include "ui_FrmPassword.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Session.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Session.h"
 
 namespace frame {
 

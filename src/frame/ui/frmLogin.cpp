@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmLogin.h"
+#include "frame/ui/frmLogin.h"
 
+#include "frame/ui/frmMain.h"
 #include "ui_frmLogin.h"
-#include "frmMain.h"
 
-#include <Colori.h>
-#include <Compaction.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Rights.h>
-#include <Routines.h>
-#include <Session.h>
-#include <SettingsStore.h>
-#include <Version.h>
-#include <frmRipristina.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "frame/Session.h"
+#include "frame/SettingsStore.h"
+#include "frame/Version.h"
+#include "frame/widgets/Colori.h"
+#include "safety/Compaction.h"
+#include "safety/ui/frmRipristina.h"
 
-#include <DbError.h>
-#include <Sqlite.h>
+#include "store/DbError.h"
+#include "store/Sqlite.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmMain.h"
+#include "frame/ui/frmMain.h"
 
-#include "FrmPassword.h"
-#include "frmLogin.h"
+#include "frame/ui/FrmPassword.h"
+#include "frame/ui/frmLogin.h"
 
-#include <Compaction.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Routines.h>
-#include <SettingsStore.h>
-#include <Update.h>
-#include <Version.h>
-#include <frmAggiornaMDB.h>
-#include <frmCopia.h>
-#include <frmRipristina.h>
-#include <frmDownload.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
+#include "frame/SettingsStore.h"
+#include "frame/Version.h"
+#include "safety/Compaction.h"
+#include "safety/Update.h"
+#include "safety/ui/frmAggiornaMDB.h"
+#include "safety/ui/frmCopia.h"
+#include "safety/ui/frmRipristina.h"
+#include "upgrade/ui/frmDownload.h"
 
-#include <DbError.h>
+#include "store/DbError.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Rights.h>
+#include "frame/Rights.h"
 
 #include <QHash>
 #include <QIcon>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "CasellaData.h"
+#include "frame/widgets/CasellaData.h"
 
-#include <Language.h>
-#include <PublicState.h>
-#include <TestoCasella.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
+#include "frame/TestoCasella.h"
 
 #include <QAction>
 #include <QCalendarWidget>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "CasellaOra.h"
+#include "frame/widgets/CasellaOra.h"
 
-#include <Language.h>
-#include <TestoCasella.h>
+#include "frame/Language.h"
+#include "frame/TestoCasella.h"
 
 namespace frame {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "CasellaTesto.h"
+#include "frame/widgets/CasellaTesto.h"
 
 #include <QTime>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "CasellaTesto.h"
+#include "frame/widgets/CasellaTesto.h"
 
-#include <Routines.h>
-#include <TestoCasella.h>
+#include "frame/Routines.h"
+#include "frame/TestoCasella.h"
 
 #include <QApplication>
 #include <QFocusEvent>

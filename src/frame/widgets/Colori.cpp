@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Colori.h"
+#include "frame/widgets/Colori.h"
 
 #include <QApplication>
 #include <QPalette>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "MessageBoxPrompter.h"
+#include "frame/widgets/MessageBoxPrompter.h"
 
-#include <PublicState.h>
+#include "frame/PublicState.h"
 
 #include <QApplication>
 #include <QInputDialog>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FrmResto.h"
+#include "parking/ui/FrmResto.h"
 
 #include "ui_FrmResto.h"
 
-#include <Language.h>
-#include <Resto.h>
+#include "frame/Language.h"
+#include "parking/Resto.h"
 
 #include <QValidator>
 

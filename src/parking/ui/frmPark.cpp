@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmPark.h"
+#include "parking/ui/frmPark.h"
 #include "ui_frmPark.h"
 
-#include "FrmResto.h"
-#include "StampaMovimento.h"
+#include "parking/StampaMovimento.h"
+#include "parking/ui/FrmResto.h"
 
-#include <CasellaTesto.h>
-#include <Didascalie.h>
+#include "forms/ui/Didascalie.h"
+#include "frame/widgets/CasellaTesto.h"
 
-#include <Contabilizzazione.h>
-#include <Correzione.h>
+#include "parking/Contabilizzazione.h"
+#include "parking/Correzione.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Recordset.h>
-#include <Rights.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Rights.h"
+#include "frame/Routines.h"
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Recordset.h"
 
 #include <QDateTime>
 #include <QFontMetrics>
@@ -454,13 +454,13 @@ void frmPark::EntraEsce()
             m_ui->TxtTC_0->setFocus();
         return;
     }
-    fineOperazione(esito, rs.key().toLongLong(), entrata);
+    fineOperazione(esito, rs.key().toLongLong());
 }
 
-void frmPark::fineOperazione(const EsitoEntraEsce &esito, qint64 id, bool entrata)
+void frmPark::fineOperazione(const EsitoEntraEsce &esito, qint64 id)
 {
     if (esito.stampa)
-        StampaMovimento(m_report, id, entrata);
+        m_report.esegui(LancioMovimento(id));
     if (esito.resto) {
         // Behind the calculator the panel shows the exit just written, not the
         // row that a re-read list would put in its place.
@@ -482,7 +482,7 @@ void frmPark::ComMod()
                                                   prompter(), m_adesso);
     m_ui->TxtT_0->setText(p.targa);
     if (esito.entraEsce.scritto)
-        fineOperazione(esito.entraEsce, recordset().key().toLongLong(), m_ui->TxtT_4->currentIndex() == 0);
+        fineOperazione(esito.entraEsce, recordset().key().toLongLong());
     else if (esito.aggiorna)
         rilegge(chiaveCorrente());
     dopoCorrezione(esito);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <FormRecord.h>
-#include <Registro.h>
-#include <Ricerca.h>
+#include "forms/ui/FormRecord.h"
+#include "parking/Registro.h"
+#include "parking/Ricerca.h"
 
 namespace Ui {
 class frmParkDettaglio;
@@ -51,7 +51,7 @@ private:
     void applicaRicerca(const EsitoRicerca &esito);
     PannelloMovimento pannello() const;
     PannelloRicerca pannelloRicerca() const;
-    void fineOperazione(const EsitoEntraEsce &esito, qint64 id, bool entrata);
+    void fineOperazione(const EsitoEntraEsce &esito, qint64 id);
     void rilegge(const QVariant &chiave);
     void apriCorrezione(bool aperta);
     void dopoCorrezione(const EsitoCorrezione &esito);

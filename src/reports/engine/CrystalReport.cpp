@@ -1,28 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "CrystalReport.h"
+#include "reports/engine/CrystalReport.h"
 
-#include "ReportRun.h"
-#include "ReportTemplate.h"
+#include "reports/engine/ReportRun.h"
+#include "reports/engine/ReportTemplate.h"
 
-#include <Connections.h>
-#include <Database.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "store/Connections.h"
+#include "store/Database.h"
+#include "store/DbError.h"
 
-#include <QAction>
-#include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QPointer>
-#include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
-#include <QScreen>
-#include <QToolBar>
 
 #include <memory>
 
@@ -32,12 +25,13 @@ using engine::ReportRun;
 using engine::RunError;
 
 struct CrystalReport::Data {
-    explicit Data(frame::Prompter &p, QWidget *w) : prompter(p), parent(w) {}
+    explicit Data(frame::Prompter &p, Visore *v) : prompter(p), visore(v) {}
     frame::Prompter &prompter;
-    QPointer<QWidget> parent;
+    Visore *visore;
     QString reportFileName, connect, selection, windowTitle, printFileName;
     QMap<int, QString> dataFiles, sortFields, formulas, graphTexts;
     int windowState = 0;
+    double zoom = 0;
     int destination = ToWindow;
     bool discardSavedData = true;
 
@@ -45,7 +39,6 @@ struct CrystalReport::Data {
     QString error;
     bool keepLayout = false;
     QList<LaidOutSection> layout;
-    QPointer<QPrintPreviewDialog> preview;
 };
 
 namespace {
@@ -79,7 +72,43 @@ void writePdf(ReportRun &run, const QString &path, const QString &title, QList<L
 
 } // namespace
 
-CrystalReport::CrystalReport(frame::Prompter &prompter, QWidget *parent) : d(new Data(prompter, parent)) {}
+bool CrystalReport::esegui(const Lancio &l)
+{
+    setReportFileName(frame::pub().CartellaProgramma + l.modello + QStringLiteral(".rpt"));
+    setConnect(QStringLiteral(";pwd=") + frame::pub().CodaConnessione);
+    setDataFiles(0, frame::pub().Pathdata);
+    setSelectionFormula(l.selezione);
+    for (auto it = l.formule.cbegin(); it != l.formule.cend(); ++it)
+        setFormulas(it.key(), it.value());
+    for (auto it = l.ordinamenti.cbegin(); it != l.ordinamenti.cend(); ++it)
+        setSortFields(it.key(), it.value());
+    for (auto it = l.testiGrafico.cbegin(); it != l.testiGrafico.cend(); ++it)
+        setGraphText(it.key(), it.value());
+    setWindowTitle(l.titoloFinestra);
+    setWindowState(l.statoFinestra);
+    setZoom(l.zoom);
+    setDestination(l.destinazione);
+    setDiscardSavedData(true);
+    return setAction(1);
+}
+
+PagineReport::PagineReport(std::shared_ptr<ReportRun> run, QString titolo) : m_run(std::move(run)), m_titolo(std::move(titolo)) {}
+
+QPageLayout PagineReport::pageLayout() const { return m_run->pageLayout(); }
+
+void PagineReport::paint(QPainter &painter, QPagedPaintDevice &device) const { m_run->paint(painter, device, nullptr); }
+
+QString PagineReport::writePdf(const QString &path) const
+{
+    try {
+        ::reports::writePdf(*m_run, path, m_titolo, nullptr);
+        return QString();
+    } catch (const RunError &e) {
+        return e.message();
+    }
+}
+
+CrystalReport::CrystalReport(frame::Prompter &prompter, Visore *visore) : d(new Data(prompter, visore)) {}
 
 CrystalReport::~CrystalReport()
 {
@@ -98,13 +127,13 @@ void CrystalReport::setWindowState(int state) { d->windowState = state; }
 void CrystalReport::setDestination(int destination) { d->destination = destination; }
 void CrystalReport::setPrintFileName(const QString &path) { d->printFileName = path; }
 void CrystalReport::setDiscardSavedData(bool discard) { d->discardSavedData = discard; }
+void CrystalReport::setZoom(double zoom) { d->zoom = zoom; }
 
 int CrystalReport::lastPageCount() const { return d->pages; }
 int CrystalReport::lastRowCount() const { return d->rows; }
 const QString &CrystalReport::lastError() const { return d->error; }
 void CrystalReport::setKeepLayout(bool keep) { d->keepLayout = keep; }
 const QList<LaidOutSection> &CrystalReport::lastLayout() const { return d->layout; }
-QWidget *CrystalReport::previewWindow() const { return d->preview.data(); }
 
 QList<LaidOutSection> CrystalReport::laidOut(const QString &section) const
 {
@@ -166,47 +195,11 @@ bool CrystalReport::setAction(int action)
             painter.end();
             break;
         }
-        default: {
-            if (d->preview)
-                d->preview->close();
-            auto *dialog = new QPrintPreviewDialog(d->parent);
-            dialog->setAttribute(Qt::WA_DeleteOnClose);
-            dialog->setWindowTitle(title);
-            dialog->resize(dialog->screen()->availableGeometry().size() * 3 / 4); // pages readable at once
-            QPrinter *printer = dialog->printer();
-            printer->setFullPage(true);
-            printer->setPageLayout(run->pageLayout());
-            printer->setDocName(title);
-            // The window keeps the run: it repaints on zoom and print, and may outlive this object.
-            QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, dialog, [run](QPrinter *p) {
-                QPainter painter(p);
-                run->paint(painter, *p, nullptr);
-            });
-            if (auto *bar = dialog->findChild<QToolBar *>()) {
-                bar->addSeparator();
-                QAction *pdf = bar->addAction(QStringLiteral("PDF"));
-                pdf->setToolTip(frame::TestoLingua("CAP13")); // "Save as a PDF file"
-                pdf->setObjectName(QStringLiteral("savePdf"));
-                // The window may outlive the form that asked for it, so it tells its own failures.
-                QObject::connect(pdf, &QAction::triggered, dialog, [run, dialog, title] {
-                    const QString path = QFileDialog::getSaveFileName(dialog, frame::TestoLingua("CAP13"),
-                                                                      title + QStringLiteral(".pdf"), QStringLiteral("PDF (*.pdf)"));
-                    if (path.isEmpty())
-                        return;
-                    try {
-                        writePdf(*run, path, title, nullptr);
-                    } catch (const RunError &e) {
-                        QMessageBox::warning(dialog, title, e.message());
-                    }
-                });
-            }
-            d->preview = dialog;
-            if (d->windowState == 2)
-                dialog->showMaximized();
-            else
-                dialog->show();
+        default:
+            if (!d->visore)
+                throw RunError(QStringLiteral("The report %1 can't be shown here: print it or save it as a PDF file.").arg(title));
+            d->visore->mostra(std::make_shared<const PagineReport>(run, title), d->windowState, d->zoom);
             break;
-        }
         }
         d->pages = pages;
         d->rows = run->rowCount();

@@ -1,16 +1,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include "reports/runs/Lancio.h"
+
 #include <QMap>
+#include <QPageLayout>
 #include <QString>
 #include <QStringList>
 
-class QWidget;
+#include <memory>
+
+class QPagedPaintDevice;
+class QPainter;
 
 namespace frame {
 class Prompter;
 }
 
 namespace reports {
+
+namespace engine {
+class ReportRun;
+}
+
+// The pages of one run, drawn again whenever a window asks (zoom, print).
+class PagineReport {
+public:
+    PagineReport(std::shared_ptr<engine::ReportRun> run, QString titolo);
+    const QString &titolo() const { return m_titolo; }
+    QPageLayout pageLayout() const;
+    void paint(QPainter &painter, QPagedPaintDevice &device) const;
+    // Writes the pages as a PDF file; the text of the failure, empty when written.
+    QString writePdf(const QString &path) const;
+
+private:
+    std::shared_ptr<engine::ReportRun> m_run;
+    QString m_titolo;
+};
+
+// Who shows a run sent to the window. The windows' library gives one; the
+// engine itself opens no window.
+class Visore {
+public:
+    virtual ~Visore() = default;
+    // statoFinestra 2 is maximised; zoom 0 leaves the window's own fit.
+    virtual void mostra(std::shared_ptr<const PagineReport> pagine, int statoFinestra, double zoom) = 0;
+};
 
 // One section as the last run laid it out: which section, on which page, and
 // the texts of its fields and text items in template order (by item name when
@@ -33,11 +67,12 @@ struct LaidOutSection {
 class CrystalReport {
 public:
     // Destination values.
-    static constexpr int ToWindow = 0;   // print preview: pages, zoom, print, save as PDF
-    static constexpr int ToPrinter = 1;  // the default printer; a clear message when there is none
-    static constexpr int ToFile = 2;     // a PDF file at PrintFileName
+    static constexpr int ToWindow = Lancio::ToWindow;   // the viewer: pages, zoom, print, save as PDF
+    static constexpr int ToPrinter = Lancio::ToPrinter; // the default printer; a clear message when there is none
+    static constexpr int ToFile = Lancio::ToFile;       // a PDF file at PrintFileName
 
-    explicit CrystalReport(frame::Prompter &prompter, QWidget *parent = nullptr);
+    // Without a viewer, a run to the window is refused with a message.
+    explicit CrystalReport(frame::Prompter &prompter, Visore *visore = nullptr);
     ~CrystalReport();
     CrystalReport(const CrystalReport &) = delete;
     CrystalReport &operator=(const CrystalReport &) = delete;
@@ -54,9 +89,13 @@ public:
     void setDestination(int destination);
     void setPrintFileName(const QString &path);        // the PDF written with ToFile
     void setDiscardSavedData(bool discard);
+    void setZoom(double zoom);
     // 1 runs the report. A missing template, a formula error or a database error is
     // told through the prompter; the result is false and nothing else changes.
     bool setAction(int action);
+    // Sets what the run names (the template beside the program, the working
+    // database, the indices it gives) and runs it.
+    bool esegui(const Lancio &lancio);
 
     // What the last run laid out: the number of pages and of detail rows (for tests and benchmarks).
     int lastPageCount() const;
@@ -69,8 +108,6 @@ public:
     const QList<LaidOutSection> &lastLayout() const;
     // The sections of the last layout whose name starts with `section`.
     QList<LaidOutSection> laidOut(const QString &section) const;
-    // The preview window of the last run to the window, while it is open.
-    QWidget *previewWindow() const;
 
 private:
     struct Data;

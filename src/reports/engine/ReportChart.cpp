@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ReportChart.h"
+#include "reports/engine/ReportChart.h"
 
 #include <QBarSet>
 #include <QChart>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Compiling a template against the database, and reading, selecting and sorting its rows.
-#include "ReportRun.h"
+#include "reports/engine/ReportRun.h"
 
-#include <Database.h>
-#include <DbError.h>
-#include <Sqlite.h>
-#include <Statement.h>
+#include "store/Database.h"
+#include "store/DbError.h"
+#include "store/Sqlite.h"
+#include "store/Statement.h"
 
 #include <QRegularExpression>
 

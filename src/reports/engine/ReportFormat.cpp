@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Order of values, their text on the page, and the buckets of groups and graphs.
-#include "ReportRun.h"
+#include "reports/engine/ReportRun.h"
 
-#include <PublicState.h>
+#include "frame/PublicState.h"
 
 #include <QLocale>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The walk over the sorted rows: group breaks, variables, sections placed on pages, painting.
-#include "ReportChart.h"
-#include "ReportRun.h"
+#include "reports/engine/ReportChart.h"
+#include "reports/engine/ReportRun.h"
 
 #include <QFontMetricsF>
 #include <QPageSize>

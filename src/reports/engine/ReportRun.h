@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "CrystalReport.h"
-#include "ReportTemplate.h"
+#include "reports/engine/CrystalReport.h"
+#include "reports/engine/ReportTemplate.h"
 
-#include <FieldKind.h>
-#include <Formula.h>
+#include "reports/formula/Formula.h"
+#include "store/FieldKind.h"
 
 #include <QDate>
 #include <QFont>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "ReportTemplate.h"
+#include "reports/engine/ReportTemplate.h"
 
 #include <QFile>
 #include <QFileInfo>

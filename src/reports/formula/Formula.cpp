@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Calendario.h"
-#include "Formula.h"
+#include "reports/formula/Calendario.h"
+#include "reports/formula/Formula.h"
 
 #include <QStringView>
 #include <algorithm>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FinestraStampa.h"
+#include "reports/ui/FinestraStampa.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
 
 #include <QFileInfo>
 #include <QTimer>
@@ -11,7 +11,7 @@
 namespace reports {
 
 FinestraStampa::FinestraStampa(frame::Prompter &prompter, QWidget *parent)
-    : QDialog(parent), m_prompter(prompter), m_report(prompter, this)
+    : QDialog(parent), m_prompter(prompter), m_visore(this), m_report(prompter, &m_visore)
 {
     setAttribute(Qt::WA_DeleteOnClose);
 }

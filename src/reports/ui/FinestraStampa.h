@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <CrystalReport.h>
+#include "reports/engine/CrystalReport.h"
+#include "reports/ui/VisoreAnteprima.h"
 
 #include <QDialog>
 
@@ -22,6 +23,7 @@ protected:
     void showEvent(QShowEvent *event) override;
 
     frame::Prompter &m_prompter;
+    VisoreAnteprima m_visore;
     CrystalReport m_report;
 };
 

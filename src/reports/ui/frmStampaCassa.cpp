@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmStampaCassa.h"
+#include "reports/ui/frmStampaCassa.h"
 
 #include "ui_frmStampaCassa.h"
 
-#include <Language.h>
+#include "frame/Language.h"
 
 namespace reports {
 
@@ -27,7 +27,7 @@ frmStampaCassa::frmStampaCassa(frame::Prompter &prompter, QWidget *parent)
     m_ui->TDBDGG2->impostaData(std::nullopt);
     connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] {
         if (frame::CasellaTesto::confermaTutte(this))
-            StampaCassa(m_report, m_prompter, opzioni());
+            m_report.esegui(LancioCassa(m_prompter, opzioni()));
     });
     connect(m_ui->cmdAnnulla, &QPushButton::clicked, this, &QDialog::close);
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmStampaPark.h"
+#include "reports/ui/frmStampaPark.h"
 
 #include "ui_frmStampaPark.h"
 
-#include <Language.h>
+#include "frame/Language.h"
 
 namespace reports {
 
@@ -32,7 +32,7 @@ frmStampaPark::frmStampaPark(frame::Prompter &prompter, QWidget *parent)
     m_ui->TDBTGG2->impostaOra(QTime(23, 59, 59));
     connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] {
         if (frame::CasellaTesto::confermaTutte(this))
-            StampaPark(m_report, opzioni());
+            m_report.esegui(LancioPark(opzioni()));
     });
     connect(m_ui->cmdAnnulla, &QPushButton::clicked, this, &QDialog::close);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "FinestraStampa.h"
-#include "StampeOpzioni.h"
+#include "reports/runs/StampeOpzioni.h"
+#include "reports/ui/FinestraStampa.h"
 
 namespace Ui {
 class frmStampaPark;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "BackupViews.h"
+#include "safety/ui/BackupViews.h"
 
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Routines.h"
+#include "store/DbError.h"
 
 #include <QApplication>
 #include <QHeaderView>

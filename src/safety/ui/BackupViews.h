@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Backup.h>
-#include <Prompter.h>
+#include "frame/Prompter.h"
+#include "safety/Backup.h"
 
 #include <QAbstractTableModel>
 #include <QElapsedTimer>

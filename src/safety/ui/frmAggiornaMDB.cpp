@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmAggiornaMDB.h"
+#include "safety/ui/frmAggiornaMDB.h"
 
 #include "ui_frmAggiornaMDB.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <Update.h>
-#include <Version.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Version.h"
+#include "safety/Update.h"
 
 #include <QApplication>
 #include <QTimer>

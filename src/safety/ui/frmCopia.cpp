@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmCopia.h"
+#include "safety/ui/frmCopia.h"
 
-#include "BackupViews.h"
+#include "safety/ui/BackupViews.h"
 #include "ui_frmCopia.h"
 
-#include <Backup.h>
-#include <DbError.h>
-#include <Language.h>
-#include <Prompter.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/Routines.h"
+#include "safety/Backup.h"
+#include "store/DbError.h"
 
 #include <QDate>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmRipristina.h"
+#include "safety/ui/frmRipristina.h"
 
-#include "BackupViews.h"
+#include "safety/ui/BackupViews.h"
 #include "ui_frmRipristina.h"
 
-#include <Backup.h>
-#include <Language.h>
+#include "frame/Language.h"
+#include "safety/Backup.h"
 
 frmRipristina::frmRipristina(QWidget *parent, bool daLogin)
     : QDialog(parent), m_ui(new Ui::frmRipristina), m_daLogin(daLogin)

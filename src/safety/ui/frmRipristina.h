@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <MessageBoxPrompter.h>
+#include "frame/widgets/MessageBoxPrompter.h"
 
 #include <QDialog>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmDownload.h"
+#include "upgrade/ui/frmDownload.h"
 
-#include <Language.h>
-#include <PublicState.h>
+#include "frame/Language.h"
+#include "frame/PublicState.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <Aggiornamento.h>
-#include <CNetGet.h>
+#include "upgrade/Aggiornamento.h"
+#include "upgrade/CNetGet.h"
 
 #include <QColor>
 #include <QDialog>

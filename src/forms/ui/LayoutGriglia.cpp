@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "LayoutGriglia.h"
+#include "forms/ui/LayoutGriglia.h"
 
-#include <Language.h>
-#include <Prompter.h>
-#include <PublicState.h>
-#include <Routines.h>
+#include "frame/Language.h"
+#include "frame/Prompter.h"
+#include "frame/PublicState.h"
+#include "frame/Routines.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include "reports/runs/Lancio.h"
+
 #include <QDate>
 #include <QString>
 #include <QTime>
@@ -11,8 +13,6 @@ class Prompter;
 }
 
 namespace reports {
-
-class CrystalReport;
 
 // The choices of the parking report's window.
 struct OpzioniPark {
@@ -29,8 +29,8 @@ struct OpzioniPark {
 
 // The selection formula: plate, state, and a window by the clock on every day of the period.
 QString SelezionePark(const OpzioniPark &o);
-// Sets the engine for the parking report, formulas in their order, and runs it.
-bool StampaPark(CrystalReport &report, const OpzioniPark &o);
+// The parking report's run: formulas in their order, maximised on screen.
+Lancio LancioPark(const OpzioniPark &o);
 
 // The choices of the cash report's window.
 struct OpzioniCassa {
@@ -43,11 +43,8 @@ struct OpzioniCassa {
 
 // The selection formula of the fiscal year's cash book.
 QString SelezioneCassa(const OpzioniCassa &o, const QString &anno);
-// Tells M0084 for a start before the fiscal year, sums what the book holds before
-// the start, sets the engine and runs it.
-bool StampaCassa(CrystalReport &report, frame::Prompter &prompter, const OpzioniCassa &o);
-
-// Common settings of every report run: template file beside the program, connection, working database.
-void ImpostaModello(CrystalReport &report, const QString &modello);
+// The cash report's run. Tells M0084 for a start before the fiscal year and
+// carries in the sums of what the book holds before the start.
+Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o);
 
 } // namespace reports

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "reports/ui/VisoreAnteprima.h"
+
+#include "frame/Language.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QScreen>
+#include <QToolBar>
+
+namespace reports {
+
+QPrintPreviewDialog *VisoreAnteprima::finestra() const
+{
+    return m_finestra.data();
+}
+
+void VisoreAnteprima::mostra(std::shared_ptr<const PagineReport> pagine, int statoFinestra, double zoom)
+{
+    if (m_finestra)
+        m_finestra->close();
+    auto *dialog = new QPrintPreviewDialog(m_parent);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    const QString title = pagine->titolo();
+    dialog->setWindowTitle(title);
+    dialog->resize(dialog->screen()->availableGeometry().size() * 3 / 4); // pages readable at once
+    QPrinter *printer = dialog->printer();
+    printer->setFullPage(true);
+    printer->setPageLayout(pagine->pageLayout());
+    printer->setDocName(title);
+    QObject::connect(dialog, &QPrintPreviewDialog::paintRequested, dialog, [pagine](QPrinter *p) {
+        QPainter painter(p);
+        pagine->paint(painter, *p);
+    });
+    if (auto *bar = dialog->findChild<QToolBar *>()) {
+        bar->addSeparator();
+        QAction *pdf = bar->addAction(QStringLiteral("PDF"));
+        pdf->setToolTip(frame::TestoLingua("CAP13")); // "Save as a PDF file"
+        pdf->setObjectName(QStringLiteral("savePdf"));
+        // The window tells its own failures: the form that asked for it may be gone.
+        QObject::connect(pdf, &QAction::triggered, dialog, [pagine, dialog, title] {
+            const QString path = QFileDialog::getSaveFileName(dialog, frame::TestoLingua("CAP13"), title + QStringLiteral(".pdf"),
+                                                              QStringLiteral("PDF (*.pdf)"));
+            if (path.isEmpty())
+                return;
+            if (const QString errore = pagine->writePdf(path); !errore.isEmpty())
+                QMessageBox::warning(dialog, title, errore);
+        });
+    }
+    if (zoom > 0) {
+        if (auto *pagineWidget = dialog->findChild<QPrintPreviewWidget *>()) {
+            pagineWidget->setZoomMode(QPrintPreviewWidget::CustomZoom);
+            pagineWidget->setZoomFactor(zoom);
+        }
+    }
+    m_finestra = dialog;
+    if (statoFinestra == 2)
+        dialog->showMaximized();
+    else
+        dialog->show();
+}
+
+} // namespace reports
