@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "frame/FileError.h"
 #include "frame/Session.h"
 
 #include "frame/Language.h"
@@ -87,7 +88,7 @@ void copiaPiuRecenti(const QDir &cartella, const QString &filtro)
         const QString temporaneo = qui + QStringLiteral(".new");
         QFile::remove(temporaneo);
         if (!QFile::copy(f.absoluteFilePath(), temporaneo))
-            throw store::DbError(0, QStringLiteral("Cannot copy %1 to %2.").arg(f.absoluteFilePath(), qui));
+            throw FileError(qui, QStringLiteral("Cannot copy %1 to %2.").arg(f.absoluteFilePath(), qui));
         QFile::remove(qui);
         QFile::rename(temporaneo, qui);
     }
@@ -113,10 +114,10 @@ bool AggiornaFileCondivisi(Prompter &prompter, const QString &eseguibile)
     const QString upgrade = pub().CartellaProgramma + QStringLiteral("Upgrade");
     QFile::remove(upgrade);
     if (!QFile::copy(cartella.filePath(QStringLiteral("Upgrade")), upgrade))
-        throw store::DbError(0, QStringLiteral("Cannot copy the upgrade program from %1.").arg(condivisa));
+        throw FileError(upgrade, QStringLiteral("Cannot copy the upgrade program from %1.").arg(condivisa));
     QFile::setPermissions(upgrade, QFile::permissions(upgrade) | QFile::ExeOwner | QFile::ExeUser);
     if (!QProcess::startDetached(upgrade, {programma.fileName()}, pub().CartellaProgramma))
-        throw store::DbError(0, QStringLiteral("Cannot start %1.").arg(upgrade));
+        throw FileError(upgrade, QStringLiteral("Cannot start %1.").arg(upgrade));
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
 #include "frame/SettingsStore.h"
+#include "frame/FileError.h"
 #include "store/Connections.h"
 #include "store/Database.h"
 #include "store/DbError.h"
@@ -118,7 +119,7 @@ void esporta(store::Database &sorgente, const QString &copia, const QString &chi
     // create files: an empty file is an empty database to the engine.
     QFile vuoto(copia);
     if (!vuoto.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        throw store::DbError(SQLITE_CANTOPEN, QStringLiteral("Cannot create %1: %2").arg(copia, vuoto.errorString()));
+        throw frame::FileError(copia, QStringLiteral("Cannot create %1: %2").arg(copia, vuoto.errorString()));
     vuoto.close();
     sorgente.executeScript(QStringLiteral("ATTACH DATABASE %1 AS dataap KEY %2")
                                .arg(letterale(copia), letterale(chiave)));

@@ -11,6 +11,8 @@
 #include "support/TestDatabase.h"
 
 #include "support/Colonne.h"
+#include "support/TestFiles.h"
+#include "frame/FileError.h"
 
 #include <QFile>
 #include <QtTest>
@@ -218,6 +220,37 @@ private slots:
         QCOMPARE(frame::DirittoAlla(2)->Autorizzazione, QStringLiteral("X"));
         QVERIFY(frame::DirittoAlla(1)->Password);
         QVERIFY(!frame::DirittoAlla(2)->Password);
+    }
+
+    // Templates newer in the database's folder are copied beside the program; a
+    // copy that can't be made is a file failure naming the file, not a database one.
+    void sharedFilesCopied()
+    {
+        QTemporaryDir condivisa, programma;
+        const QString salvaPath = pub().Pathdata, salvaCartella = pub().CartellaProgramma;
+        pub().Pathdata = condivisa.filePath(QStringLiteral("basedati.mdb"));
+        writeBytes(condivisa.filePath(QStringLiteral("park.rpt")), "nuovo");
+        writeBytes(programma.filePath(QStringLiteral("park.rpt")), "vecchio");
+        {
+            QFile vecchio(programma.filePath(QStringLiteral("park.rpt")));
+            QVERIFY(vecchio.open(QIODevice::ReadWrite));
+            QVERIFY(vecchio.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime));
+        }
+        pub().CartellaProgramma = programma.path() + QLatin1Char('/');
+        ScriptedPrompter p;
+        QVERIFY(!frame::AggiornaFileCondivisi(p, programma.filePath(QStringLiteral("veltano"))));
+        QCOMPARE(bytesOf(programma.filePath(QStringLiteral("park.rpt"))), QByteArray("nuovo"));
+
+        pub().CartellaProgramma = programma.filePath(QStringLiteral("missing/"));
+        try {
+            frame::AggiornaFileCondivisi(p, programma.filePath(QStringLiteral("veltano")));
+            QFAIL("no failure");
+        } catch (const frame::FileError &e) {
+            QCOMPARE(e.path(), programma.filePath(QStringLiteral("missing/park.rpt")));
+        }
+        QVERIFY(p.messages.isEmpty());
+        pub().Pathdata = salvaPath;
+        pub().CartellaProgramma = salvaCartella;
     }
 };
 

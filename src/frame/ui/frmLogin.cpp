@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "frame/FileError.h"
 #include "frame/ui/frmLogin.h"
 
 #include "frame/ui/frmMain.h"
@@ -135,6 +136,8 @@ void frmLogin::cmdOK_Click()
         LeggeDirittiUtente(db, pub().IdUtenteCorrente);
         accept();
     } catch (const store::DbError &e) {
+        MostraErrore(m_prompter, e.message());
+    } catch (const FileError &e) {
         MostraErrore(m_prompter, e.message());
     }
 }
