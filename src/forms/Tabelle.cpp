@@ -75,16 +75,22 @@ bool ConvalidaCampo(const store::FieldInfo &campo, QVariant &valore, frame::Prom
         }
         return true;
     case FieldKind::Currency:
-        if (valore.userType() != qMetaTypeId<store::Currency>())
-            valore = QVariant::fromValue(store::Currency());
-        return true;
     case FieldKind::Double:
     case FieldKind::Long: {
-        bool numero = false;
-        valore.toString().toDouble(&numero);
-        if (!valore.isValid() || valore.isNull() || !numero)
-            valore = campo.kind == FieldKind::Long ? QVariant(qint64(0)) : QVariant(0.0);
-        return true;
+        // An empty box is 0; a value the editor could read arrives typed; any text
+        // left is a number the field can't hold (too many decimals, too large).
+        const int tipo = valore.userType();
+        if (!valore.isValid() || valore.isNull() || (tipo == QMetaType::QString && valore.toString().trimmed().isEmpty())) {
+            valore = campo.kind == FieldKind::Currency ? QVariant::fromValue(store::Currency())
+                     : campo.kind == FieldKind::Long   ? QVariant(qint64(0))
+                                                       : QVariant(0.0);
+            return true;
+        }
+        if (tipo != QMetaType::QString)
+            return true;
+        // "%1" can't be stored in this field: it is not a number, or too large, or has too many decimals.
+        prompter.message(frame::TestoLingua("CAP21").arg(valore.toString()), frame::Prompter::Icon::Exclamation);
+        return false;
     }
     default:
         return true;

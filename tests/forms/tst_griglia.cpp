@@ -352,8 +352,10 @@ private slots:
         QVERIFY(!forms::ConvalidaCampo(data, v, prompter) && prompter.messages.size() == 1);
         v = QVariant();
         QVERIFY(forms::ConvalidaCampo(numero, v, prompter) && v.value<store::Currency>() == store::Currency());
-        v = QStringLiteral("abc");
+        v = QStringLiteral(" ");
         QVERIFY(forms::ConvalidaCampo(intero, v, prompter) && v == QVariant(qint64(0)));
+        v = QStringLiteral("abc"); // what the editor could not read as a number
+        QVERIFY(!forms::ConvalidaCampo(intero, v, prompter) && prompter.messages.size() == 2);
 
         store::Database &db = frame::basedati();
         frame::pub().IdUtenteCorrente = 7;

@@ -337,33 +337,59 @@ private slots:
     // (read to its end) under the visible captions, page after page, through the preview.
     // The in-grid editors, one per field kind: a date box that refuses a non-date and writes
     // nothing, a number box that refuses letters, a whole number, text cut at the field's size.
+    // Each editor of the table editor's grids by what is typed: stored as typed, refused with
+    // a message, or cut to the field's size; a refusal leaves the stored row as it was.
+    void gridEditorsByFieldKind_data()
+    {
+        QTest::addColumn<QString>("tabella");
+        QTest::addColumn<QString>("campo");
+        QTest::addColumn<QString>("testo");
+        QTest::addColumn<QString>("salvato");
+        QTest::addColumn<bool>("messaggio");
+        QTest::newRow("double") << "Cassa" << "Entrata" << "1.23456" << "1.23456" << false;
+        QTest::newRow("negative double, as typed") << "Cassa" << "Uscita" << "-7.25" << "-7.25" << false;
+        QTest::newRow("empty double is 0") << "Cassa" << "Entrata" << "" << "0" << false;
+        QTest::newRow("a sign alone") << "Cassa" << "Entrata" << "-" << "1" << true;
+        QTest::newRow("quotes") << "Cassa" << "Descrizione" << "O'Brien \"x\" %_" << "O'Brien \"x\" %_" << false;
+        QTest::newRow("10,000 characters") << "Cassa" << "Descrizione" << QString(10000, QLatin1Char('x')) << QString(255, QLatin1Char('x')) << false;
+        QTest::newRow("not a date") << "Cassa" << "Data" << "31/02/2026" << "2026-03-01T00:00:00.000" << false;
+        QTest::newRow("letters for a date") << "Cassa" << "Data" << "abc" << "2026-03-01T00:00:00.000" << false;
+        QTest::newRow("negative amount, as typed") << "Fascia" << "Importo" << "-3.5" << "-3.5" << false;
+        QTest::newRow("five decimals in an amount") << "Fascia" << "Importo" << "1.23456" << "2" << true;
+        QTest::newRow("amount too large") << "Fascia" << "Importo" << "123456789012345678" << "2" << true;
+        QTest::newRow("zero minutes, as typed") << "Fascia" << "Minuti1Frazione" << "0" << "0" << false;
+        QTest::newRow("whole number beyond 32 bits") << "Fascia" << "Minuti1Frazione" << "99999999999" << "60" << true;
+        QTest::newRow("10,000 characters in a band") << "Fascia" << "DescrizioneFascia" << QString(10000, QLatin1Char('y')) << QString(50, QLatin1Char('y')) << false;
+    }
+
     void gridEditorsByFieldKind()
     {
+        QFETCH(QString, tabella);
+        QFETCH(QString, campo);
+        QFETCH(QString, testo);
         store::Database &db = frame::basedati();
-        db.execute(QStringLiteral("insert into Cassa (IdCliente, Data, Descrizione, Entrata) values (7, '2026-03-01 00:00:00', 'a', 1)"));
-        forms::RecordsetModel m(db, QStringLiteral("select * from Cassa"));
-        m.impostaModifica(m_prompter);
-        QTableView vista;
-        forms::EditoreCampi editore;
-        const auto scrivi = [&](const char *campo, const QString &testo) {
-            const QModelIndex i = m.index(0, m.colonna(QLatin1String(campo)));
-            auto *e = qobject_cast<QLineEdit *>(editore.createEditor(&vista, {}, i));
-            editore.setEditorData(e, i);
-            e->setText(testo);
-            editore.setModelData(e, &m, i);
-            return e;
-        };
-        QVERIFY(qobject_cast<frame::CasellaData *>(scrivi("Data", QStringLiteral("31/02/2026"))));
-        QCOMPARE(db.scalar(QStringLiteral("select Data from Cassa")).toString(), QStringLiteral("2026-03-01 00:00:00"));
-        for (const char *campo : {"Entrata", "IdCliente"}) {
-            QString lettere = QStringLiteral("1a");
-            int at = 2;
-            QCOMPARE(scrivi(campo, QStringLiteral("12"))->validator()->validate(lettere, at), QValidator::Invalid);
-        }
-        scrivi("Entrata", QStringLiteral("12.5"));
-        QCOMPARE(db.scalar(QStringLiteral("select Entrata from Cassa")).toDouble(), 12.5);
-        QCOMPARE(scrivi("Descrizione", QStringLiteral("b"))->maxLength(), 255);
-        db.execute(QStringLiteral("delete from Cassa"));
+        db.execute(QStringLiteral("delete from ") + tabella);
+        db.execute(tabella == QLatin1String("Cassa")
+                       ? QStringLiteral("insert into Cassa (IdCliente, Data, Descrizione, Entrata) values (7, '2026-03-01 00:00:00', 'a', 1)")
+                       : QStringLiteral("insert into Fascia values ('T1', 't', 20000, 60, 10000, 60)"));
+        forms::frmtabelle t(m_prompter);
+        t.setAttribute(Qt::WA_DeleteOnClose, false);
+        t.CaricaTextFormatGriglia(tabella == QLatin1String("Cassa") ? forms::ImpostazioneCassa() : forms::ImpostazioneFascia());
+        auto *g = t.findChild<QTableView *>(QStringLiteral("grdDataGrid"));
+        forms::RecordsetModel &m = t.datPrimaryRS();
+        const QModelIndex i = m.index(0, m.colonna(campo));
+        std::unique_ptr<QLineEdit> e(qobject_cast<QLineEdit *>(g->itemDelegate()->createEditor(g->viewport(), {}, i)));
+        QVERIFY(e);
+        g->itemDelegate()->setEditorData(e.get(), i);
+        e->setText(testo);
+        g->itemDelegate()->setModelData(e.get(), &m, i);
+        store::Recordset rs(db, QStringLiteral("select %1 from %2").arg(campo, tabella));
+        rs.MoveFirst();
+        const QVariant v = rs.value(0);
+        QTEST(v.userType() == qMetaTypeId<store::Currency>() ? v.value<store::Currency>().toPlainText() : v.toString(), "salvato");
+        QTEST(!m_prompter.messages.isEmpty(), "messaggio");
+        if (!m_prompter.messages.isEmpty())
+            QCOMPARE(m_prompter.messages.first().text, frame::TestoLingua("CAP21").arg(testo));
     }
 
     // The table editor's window: a heading sorts, a second click descending, with its label;

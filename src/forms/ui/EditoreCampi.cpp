@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QLocale>
 
+#include <limits>
+
 namespace forms {
 
 namespace {
@@ -95,18 +97,22 @@ void EditoreCampi::setModelData(QWidget *editor, QAbstractItemModel *model, cons
     const QString testo = e->text().trimmed();
     using store::FieldKind;
     if (f->kind == FieldKind::Currency || f->kind == FieldKind::Double || f->kind == FieldKind::Long) {
-        // An empty box is no value; the model's check says what it becomes.
-        store::Currency importo;
-        if (testo.isEmpty() || !store::Currency::parse(QString(testo).replace(separatore(), QLatin1Char('.')), &importo)) {
-            model->setData(index, testo.isEmpty() ? QVariant() : QVariant(testo));
-            return;
+        // An empty box is no value, and a text that the field can't hold stays a
+        // text: the model's check says what each becomes.
+        QVariant valore = testo.isEmpty() ? QVariant() : QVariant(testo);
+        bool ok = false;
+        if (f->kind == FieldKind::Currency) {
+            store::Currency importo;
+            if (store::Currency::parse(QString(testo).replace(separatore(), QLatin1Char('.')), &importo))
+                valore = QVariant::fromValue(importo);
+        } else if (f->kind == FieldKind::Long) {
+            const qint64 n = QLocale().toLongLong(testo, &ok);
+            if (ok && n >= std::numeric_limits<qint32>::min() && n <= std::numeric_limits<qint32>::max())
+                valore = n; // a Long holds 32 bits
+        } else if (const double d = QLocale().toDouble(testo, &ok); ok) {
+            valore = d;
         }
-        if (f->kind == FieldKind::Currency)
-            model->setData(index, QVariant::fromValue(importo));
-        else if (f->kind == FieldKind::Long)
-            model->setData(index, qint64(importo.raw() / 10000));
-        else
-            model->setData(index, QLocale::c().toDouble(importo.toPlainText()));
+        model->setData(index, valore);
         return;
     }
     model->setData(index, testo.isEmpty() ? QVariant() : QVariant(e->text()));
