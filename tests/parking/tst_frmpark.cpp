@@ -241,6 +241,29 @@ private slots:
         c<QPushButton>("CmdEntraEsce")->click();
         QCOMPARE(movimenti().size(), 1);
         QCOMPARE(movimenti().first().importo.toPlainText(), QStringLiteral("15")); // three hours started at 5.00
+
+        // Zero minutes are stored as typed; the next exit on the band is refused with its message and writes nothing.
+        QVERIFY(showActive(&tabella));
+        tabella.CaricaTextFormatGriglia(forms::ImpostazioneFascia());
+        forms::RecordsetModel &bande = tabella.datPrimaryRS();
+        griglia->setCurrentIndex(bande.index(0, bande.colonna(QStringLiteral("Minuti1Frazione"))));
+        griglia->edit(griglia->currentIndex());
+        auto *minuti = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+        QVERIFY(minuti);
+        minuti->selectAll();
+        QTest::keyClicks(minuti, QStringLiteral("0"));
+        QTest::keyClick(minuti, Qt::Key_Tab);
+        QCOMPARE(frame::basedati().scalar(QStringLiteral("select Minuti1Frazione from Fascia where id = '01'")).toInt(), 0);
+        tabella.close();
+        QVERIFY(showActive(m_park.get()));
+        entra(QStringLiteral("EF456GH"));
+        c("TxtProg")->setText(QStringLiteral("2"));
+        QTest::keyClick(m_park.get(), Qt::Key_F1);
+        m_prompter.messages.clear();
+        m_prompter.answer(Prompter::Answer::Ok);
+        c<QPushButton>("CmdEntraEsce")->click();
+        QCOMPARE(m_prompter.texts().value(0), frame::TestoLingua("M0073"));
+        QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Movimentazioni where Entrato <> 0")).toInt(), 1);
     }
 
     // A correction right after an entry works on the row the panel shows, never on boxes
