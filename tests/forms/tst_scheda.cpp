@@ -35,6 +35,8 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -396,32 +398,33 @@ private slots:
     // a delete asks first; a pending row that can't be written is kept or dropped on closing.
     void tableEditorWindow()
     {
-        forms::frmtabelle t(m_prompter);
-        t.setAttribute(Qt::WA_DeleteOnClose, false);
-        t.CaricaTextFormatGriglia(forms::ImpostazioneFascia());
-        QVERIFY(showActive(&t));
-        auto *g = t.findChild<QTableView *>(QStringLiteral("grdDataGrid"));
-        forms::RecordsetModel &m = t.datPrimaryRS();
+        QMdiArea area;
+        auto *t = new forms::frmtabelle(m_prompter);
+        t->CaricaTextFormatGriglia(forms::ImpostazioneFascia());
+        QPointer<QMdiSubWindow> cornice = area.addSubWindow(t);
+        QVERIFY(showActive(&area));
+        auto *g = t->findChild<QTableView *>(QStringLiteral("grdDataGrid"));
+        forms::RecordsetModel &m = t->datPrimaryRS();
         QHeaderView *h = g->horizontalHeader();
         const int c = m.colonna(QStringLiteral("DescrizioneFascia"));
         for (int i = 0; i < 2; ++i)
             QTest::mouseClick(h->viewport(), Qt::LeftButton, {}, QPoint(h->sectionViewportPosition(c) + 5, 5));
         QVERIFY(m.sql().endsWith(QStringLiteral("DescrizioneFascia desc")));
-        QCOMPARE(t.findChild<QLabel *>(QStringLiteral("lblOrdine"))->text(), frame::TestoLingua("M0326") + QLatin1Char(' ') + frame::TestoLingua("M0320"));
+        QCOMPARE(t->findChild<QLabel *>(QStringLiteral("lblOrdine"))->text(), frame::TestoLingua("M0326") + QLatin1Char(' ') + frame::TestoLingua("M0320"));
         g->setCurrentIndex(m.index(0, 0));
         for (const auto risposta : {Prompter::Answer::Cancel, Prompter::Answer::Ok}) {
             m_prompter.answer(risposta);
-            t.bottoni(QStringLiteral("elimina"));
+            t->bottoni(QStringLiteral("elimina"));
         }
         QCOMPARE(m_prompter.questions, QStringList(2, frame::TestoLingua("M0006")));
         QCOMPARE(fasce(), QStringList{QStringLiteral("02|Prima ora e mezz'ore successive|3")}); // the first row, descending
 
-        t.bottoni(QStringLiteral("aggiungi"));
+        t->bottoni(QStringLiteral("aggiungi"));
         QVERIFY(m.setData(m.index(m.rigaNuova(), c), QString(300, QLatin1Char('x'))));
         for (const auto risposta : {Prompter::Answer::Cancel, Prompter::Answer::Ok}) {
             m_prompter.answer(risposta);
-            t.close();
-            QCOMPARE(t.isVisible(), risposta == Prompter::Answer::Cancel);
+            t->bottoni(QStringLiteral("esci")); // the frame closes with the form, never left empty
+            QCOMPARE(cornice && cornice->isVisible(), risposta == Prompter::Answer::Cancel);
         }
         QCOMPARE(fasce().size(), 1);
     }

@@ -10,6 +10,7 @@
 #include "frame/Rights.h"
 #include "frame/Routines.h"
 #include "frame/widgets/CasellaData.h"
+#include "frame/widgets/ChiudeFinestra.h"
 #include "frame/widgets/Colori.h"
 #include "store/Currency.h"
 #include "store/DbError.h"
@@ -26,7 +27,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
@@ -143,12 +143,7 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
     connect(m, &MacchinaScheda::fuocoRichiesto, this, &FormRecord::daiFuoco);
     connect(m, &MacchinaScheda::elencoRiaperto, this, &FormRecord::elencoRiaperto);
     connect(m, &MacchinaScheda::posizioneCambiata, this, &FormRecord::posizioneCambiata);
-    connect(m, &MacchinaScheda::chiusuraRichiesta, this, [this] {
-        if (auto *sub = qobject_cast<QMdiSubWindow *>(parentWidget()))
-            sub->close();
-        else
-            close();
-    });
+    connect(m, &MacchinaScheda::chiusuraRichiesta, this, [this] { frame::ChiudeFinestra(this); });
 
     // The form's keys come before its controls see them.
     const auto tasto = [this](QKeySequence k, std::function<void()> f) {

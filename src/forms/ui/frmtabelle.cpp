@@ -8,6 +8,7 @@
 #include "frame/Language.h"
 #include "frame/Prompter.h"
 #include "frame/Routines.h"
+#include "frame/widgets/ChiudeFinestra.h"
 #include "store/DbError.h"
 
 #include <QCloseEvent>
@@ -16,6 +17,9 @@
 #include <QLabel>
 #include <QTimer>
 #include <QToolBar>
+
+#include <algorithm>
+#include <memory>
 
 namespace forms {
 
@@ -100,9 +104,17 @@ void frmtabelle::apri()
     QTableView *g = m_ui->grdDataGrid;
     g->setModel(&m);
     g->resizeColumnsToContents(); // the caller's widths below, the captions' for the others
+    for (int c = 0; c < m.columnCount(); ++c) {
+        // A date column holds its box whole, calendar button included, even on an empty table.
+        if (const store::FieldInfo *f = m.campoDi(c); f && f->kind == store::FieldKind::Date) {
+            const std::unique_ptr<QWidget> casella(EditoreCampi::creaCasella(*f, nullptr));
+            g->setColumnWidth(c, std::max(g->columnWidth(c), casella->sizeHint().width()));
+        }
+    }
     for (auto it = m_impostazione.larghezze.constBegin(); it != m_impostazione.larghezze.constEnd(); ++it)
         if (const int c = m.colonna(it.key()); c >= 0)
-            g->setColumnWidth(c, it.value() / 15); // twips to pixels
+            // Twips to pixels, never narrower than the caption.
+            g->setColumnWidth(c, std::max(it.value() / 15, g->horizontalHeader()->sectionSizeHint(c)));
     connect(g->selectionModel(), &QItemSelectionModel::currentRowChanged, this, &frmtabelle::rigaCambiata);
 
     // The detail panel: one box per column, by its field's kind, bound to the current row.
@@ -150,7 +162,7 @@ void frmtabelle::bottoni(const QString &chiave)
         if (m.rowCount() > 0)
             AnteprimaGriglia(*g, QStringLiteral("Tabella ") + sorgente_data, this);
     } else if (chiave == QLatin1String("esci")) {
-        close();
+        frame::ChiudeFinestra(this);
     } else if (chiave == QLatin1String("elenco") || chiave == QLatin1String("dettaglio")) {
         const bool dettaglio = chiave == QLatin1String("dettaglio");
         if (dettaglio && !chiudiNuova())
