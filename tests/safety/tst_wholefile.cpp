@@ -4,6 +4,9 @@
 // file again afterwards, and the register goes on numbering without a gap.
 #include "parking/ui/FrmResto.h"
 #include "parking/ui/frmPark.h"
+#include "forms/RecordsetModel.h"
+#include "forms/Tabelle.h"
+#include "forms/ui/frmtabelle.h"
 
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
@@ -215,6 +218,31 @@ private slots:
         park.findChild<QPushButton *>(QStringLiteral("ComCont"))->click();
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Cassa")).toInt(), 1);
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select Contabilizzato from Movimentazioni where Progressivo = 1")).toInt(), -1);
+    }
+
+    // The table editor stays open across the work: afterwards it lists the file as it
+    // is and writes a cell into it.
+    void theTableEditorGoesOn_data() { lavori_data(); }
+    void theTableEditorGoesOn()
+    {
+        QFETCH(Lavoro, lavoro);
+        store::Database &db = frame::basedati();
+        db.execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata) values ('2026-03-01 00:00:00', 'a', 1)"));
+        QVERIFY(backup());
+        db.execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata) values ('2026-03-02 00:00:00', 'b', 2)"));
+        forms::frmtabelle t(m_prompter);
+        t.setAttribute(Qt::WA_DeleteOnClose, false);
+        t.CaricaTextFormatGriglia(forms::ImpostazioneCassa());
+        QVERIFY(showActive(&t));
+        forms::RecordsetModel &m = t.datPrimaryRS();
+        QCOMPARE(m.rowCount(), 2);
+
+        QVERIFY(esegui(lavoro));
+        m_prompter.messages.clear(); // the work's own report
+        QCOMPARE(m.rowCount(), lavoro == Lavoro::Ripristino ? 1 : 2);
+        QVERIFY(m.setData(m.index(0, m.colonna(QStringLiteral("Descrizione"))), QStringLiteral("dopo")));
+        QCOMPARE(db.scalar(QStringLiteral("select Descrizione from Cassa order by Data limit 1")).toString(), QStringLiteral("dopo"));
+        QVERIFY(m_prompter.messages.isEmpty());
     }
 };
 
