@@ -221,13 +221,13 @@ std::optional<QString> DataAlDopoDal(const QString &dal, bool alVisibile)
     return dal;
 }
 
-EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter)
+EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter, const char *chiaveNessuna)
 {
     frame::MostraStato(QString());
     if (chkAuto && righe == 1)
         return EsitoRicerca::Posiziona;
     if (righe == 0) {
-        prompter.message(TestoLingua("M0009"), frame::Prompter::Icon::Stop);
+        prompter.message(TestoLingua(chiaveNessuna), frame::Prompter::Icon::Stop);
         return EsitoRicerca::NessunaRiga;
     }
     return EsitoRicerca::MostraElenco;

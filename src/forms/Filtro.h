@@ -73,9 +73,9 @@ std::optional<QString> DataAlDopoDal(const QString &dal, bool alVisibile);
 
 // What the search mode does once the list holds the filtered rows.
 enum class EsitoRicerca { Posiziona, NessunaRiga, MostraElenco };
-// One row with ChkAuto ticked goes straight to that record; no row shows M0009
+// One row with ChkAuto ticked goes straight to that record; no row shows `chiaveNessuna`
 // and the filter panel stays; anything else shows the list. Clears the status line.
-EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter);
+EsitoRicerca EsitoElenco(qint64 righe, bool chkAuto, frame::Prompter &prompter, const char *chiaveNessuna = "M0009");
 
 // Print mode: runs a list template (Elenco, the customers; ElencoMovimenti, the
 // movements) with the filter's selection, the description and the title.

@@ -174,9 +174,10 @@ void MacchinaScheda::eseguiElimina()
     store::Recordset &rs = recordset();
     if (!rigaCorrente())
         return;
-    // Two questions, each with Cancel as its default, and both must be answered OK.
-    if (!m_prompter.confirm(TestoLingua("M0013")) || !m_prompter.confirm(TestoLingua("M0047")))
-        return;
+    // Each question has Cancel as its default, and all must be answered OK.
+    for (const char *domanda : std::as_const(m_cfg.domandeElimina))
+        if (!m_prompter.confirm(TestoLingua(domanda)))
+            return;
     rs.Delete();
     rs.MoveNext();
     if (rs.eof())
@@ -345,7 +346,7 @@ void MacchinaScheda::apriFiltri(ModoFiltri modo)
     emit fuocoRichiesto(Fuoco::Filtri);
 }
 
-EsitoRicerca MacchinaScheda::applicaFiltro(const QString &where, const QString &ordine, bool chkAuto)
+EsitoRicerca MacchinaScheda::applicaFiltro(const QString &where, const QString &ordine, bool chkAuto, const char *chiaveNessuna)
 {
     m_where = where;
     try {
@@ -357,7 +358,7 @@ EsitoRicerca MacchinaScheda::applicaFiltro(const QString &where, const QString &
     // Whether the list holds one row or more, reading no further than two.
     store::Recordset &elenco = m_elenco->recordset();
     const qint64 righe = elenco.readTo(1) ? 2 : elenco.rowsRead();
-    const EsitoRicerca esito = EsitoElenco(righe, chkAuto, m_prompter);
+    const EsitoRicerca esito = EsitoElenco(righe, chkAuto, m_prompter, chiaveNessuna);
     switch (esito) {
     case EsitoRicerca::Posiziona:
         PosizionaRecord(m_elenco->chiave(0));

@@ -26,6 +26,7 @@ struct ConfigurazioneScheda {
     bool attivazione = false;   // the form has the operation layout
     QString modelloStampa = QStringLiteral("Elenco"); // the list template of the print mode
     const char *chiaveTitoloStampa = "M0327";          // and its title
+    QList<const char *> domandeElimina = {"M0013", "M0047"}; // asked in turn before a delete, each must be OK
 };
 
 // A field of the detail recordset bound to a box of the window: read by "ok",
@@ -103,7 +104,8 @@ public:
     void PosizionaRecord(const QVariant &chiave);
     void apriFiltri(ModoFiltri modo);
     // Runs a search the filter panel built, in the order given; tells what the list holds.
-    EsitoRicerca applicaFiltro(const QString &where, const QString &ordine, bool chkAuto);
+    // `chiaveNessuna` tells that no row was found.
+    EsitoRicerca applicaFiltro(const QString &where, const QString &ordine, bool chkAuto, const char *chiaveNessuna = "M0009");
     void Command5();
     void CmdElencoPrec();
     void CmdRefresh();

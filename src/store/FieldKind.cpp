@@ -35,6 +35,10 @@ QVariant toStorage(FieldKind kind, const QVariant &value)
 {
     if (!value.isValid() || value.isNull())
         return QVariant();
+    // An amount typed in a box arrives as Currency whatever the column holds.
+    if (value.metaType() == QMetaType::fromType<Currency>() && kind != FieldKind::Currency)
+        return kind == FieldKind::Long || kind == FieldKind::Counter ? QVariant(qint64(value.value<Currency>().raw() / Currency::Scale))
+                                                                      : QVariant(value.value<Currency>().toDouble());
     switch (kind) {
     case FieldKind::Currency:
         if (value.metaType() == QMetaType::fromType<Currency>())

@@ -272,6 +272,7 @@ void FormRecord::impostaDettaglio(QWidget *dettaglio, const QList<QWidget *> &pa
     f.setPointSizeF(f.pointSizeF() * 4);
     m_velo->setFont(f);
     m_velo->hide();
+    mostraStato(); // the pages start closed, as the machine has them
 }
 
 void FormRecord::impostaCatalogoFiltri(const QVector<CasellaFiltro> &catalogo)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "customers/ui/frmClienti.h"
 #include "frame/ui/EntryRoutine.h"
 
 #include "frame/ui/frmLogin.h"
@@ -93,9 +94,30 @@ frmMain::Apertura tabella(forms::ImpostazioneTabella (*impostazione)())
     };
 }
 
+// A new registry window at each click, customers or suppliers, inside the main window's area.
+frmMain::Apertura registro(customers::Modo modo)
+{
+    return [modo](frmMain &main) -> QWidget * {
+        customers::frmClienti *f = nullptr;
+        try {
+            f = new customers::frmClienti(main.prompter(), modo);
+        } catch (const store::DbError &e) {
+            MostraErrore(main.prompter(), e.message());
+            return nullptr;
+        }
+        QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(f);
+        sotto->setAttribute(Qt::WA_DeleteOnClose);
+        sotto->resize(f->size().boundedTo(main.mdiArea()->viewport()->size()));
+        sotto->show();
+        return f;
+    };
+}
+
 // The windows behind the items of the menus, by item number.
 void RegistraFinestre(frmMain &main)
 {
+    main.RegistraFinestra(101, registro(customers::Modo::Clienti));
+    main.RegistraFinestra(105, registro(customers::Modo::Fornitori));
     main.RegistraFinestra(111, unicaInterna<parking::frmPark>());
     main.RegistraFinestra(201, tabella(forms::ImpostazioneFascia));
     main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
