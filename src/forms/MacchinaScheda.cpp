@@ -87,6 +87,8 @@ void MacchinaScheda::bottoni(const QString &Azione)
             apriFiltri(ModoFiltri::Stampa);
         else if (Azione == QLatin1String("ok"))
             eseguiOk();
+        else if (Azione == QLatin1String("scheda"))
+            m_ganci.azionePropria(Azione);
         else if (Azione == QLatin1String("annulla"))
             eseguiAnnulla();
         else if (Azione == QLatin1String("esci") && m_ganci.verificaInterna(Azione))

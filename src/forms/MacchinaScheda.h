@@ -68,6 +68,8 @@ public:
         virtual void fileRiletto() = 0;
         // The form was activated or its rights changed.
         virtual void attivata(bool gestioneAccessi) = 0;
+        // A key of the form's own ("scheda": the record's card printed).
+        virtual void azionePropria(const QString &azione) = 0;
     };
 
     MacchinaScheda(store::Database &db, frame::Prompter &prompter, ConfigurazioneScheda configurazione, Ganci &ganci,

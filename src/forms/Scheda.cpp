@@ -9,7 +9,7 @@ const QStringList &ChiaviToolbar()
 {
     static const QStringList chiavi = {
         QStringLiteral("aggiungi"), QStringLiteral("modifica"), QStringLiteral("elimina"), QStringLiteral("sep1"),
-        QStringLiteral("trova"),    QStringLiteral("stampa"),   QStringLiteral("sep2"),    QStringLiteral("ok"),
+        QStringLiteral("trova"),    QStringLiteral("stampa"),   QStringLiteral("scheda"),  QStringLiteral("sep2"),    QStringLiteral("ok"),
         QStringLiteral("annulla"),  QStringLiteral("gestione"), QStringLiteral("refresh"), QStringLiteral("esci"),
     };
     return chiavi;
@@ -98,6 +98,7 @@ const QVector<Didascalia> &DidascalieScheda()
         {"elimina", "M0140", "M0156"},
         {"trova", "M0141", "M0157"},
         {"stampa", "M0142", "M0158"},
+        {"scheda", "M0177", ""},
         {"ok", "M0143", "M0159"},
         {"annulla", "M0144", "M0160"},
         {"esci", "M0137", "M0161"},

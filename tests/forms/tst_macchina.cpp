@@ -44,6 +44,8 @@ struct Finestra final : MacchinaScheda::Ganci {
     void layoutCambiato(Layout) override {}
     void fileRiletto() override { m->Riposiziona(); }
     void attivata(bool) override {}
+    void azionePropria(const QString &azione) override { proprie << azione; }
+    QStringList proprie;
 };
 
 QStringList fasce()

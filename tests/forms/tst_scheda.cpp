@@ -88,6 +88,7 @@ public:
         c.sorgenteIniziale = QStringLiteral("select * from Fascia where id = '-1'");
         c.azioni = forms::ChiaviToolbar();
         c.azioni.removeAll(QStringLiteral("gestione"));
+        c.azioni.removeAll(QStringLiteral("scheda")); // a band has no card of its own
         return c;
     }
 
@@ -152,9 +153,9 @@ private slots:
     {
         // offerti: "": every key
         colonne<Layout, QString, QString, QString>({"layout", "offerti", "visibili", "abilitati"});
-        const QString gestione = QStringLiteral("aggiungi modifica elimina sep1 trova stampa sep2 ok annulla refresh esci");
+        const QString gestione = QStringLiteral("aggiungi modifica elimina sep1 trova stampa scheda sep2 ok annulla refresh esci");
         QTest::newRow("operation") << Layout::Attivazione << "" << "gestione" << "gestione";
-        QTest::newRow("browse") << Layout::Gestione << "" << gestione << "aggiungi modifica elimina trova stampa refresh esci";
+        QTest::newRow("browse") << Layout::Gestione << "" << gestione << "aggiungi modifica elimina trova stampa scheda refresh esci";
         QTest::newRow("editing") << Layout::Modifica << "" << gestione << "ok annulla esci";
         // The parking window offers no add, change or delete: their separator goes too.
         QTest::newRow("browse, parking") << Layout::Gestione << "trova stampa gestione refresh esci" << "trova stampa sep2 refresh esci"

@@ -2,7 +2,9 @@
 #include "customers/ui/frmClienti.h"
 #include "ui_frmClienti.h"
 
+#include "customers/Contatti.h"
 #include "customers/Semaforo.h"
+#include "customers/StampeCliente.h"
 #include "forms/RecordsetModel.h"
 #include "forms/Tabelle.h"
 #include "forms/ui/EditoreCampi.h"
@@ -196,6 +198,11 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
         m_ui->TDBGrid_0->setEditTriggers(scrive ? QAbstractItemView::AllEditTriggers : QAbstractItemView::NoEditTriggers);
     });
     connect(m_ui->CmdPag, &QPushButton::clicked, this, &frmClienti::CmdPag);
+    for (QLineEdit *numero : {m_ui->TxtT_6, m_ui->TxtT_7, m_ui->TxtT_8, m_ui->TxtT_9, m_ui->TxtT_10}) {
+        auto *tasto = dettaglio->findChild<QToolButton *>(numero->objectName().replace(QLatin1String("TxtT"), QLatin1String("ComTel")));
+        connect(tasto, &QToolButton::clicked, this, [this, numero] { Contatti(this->prompter()).Telefono(numero->text()); });
+    }
+    connect(m_ui->ComEmail, &QToolButton::clicked, this, [this] { Contatti(this->prompter()).Email(m_ui->TxtT_13->text()); });
     connect(m_ui->CmdCancella, &QPushButton::clicked, this, &frmClienti::CmdCancella);
     connect(m_ui->CmdStampaDoc, &QPushButton::clicked, this, &frmClienti::CmdStampaDoc);
     auto *f3 = new QShortcut(QKeySequence(Qt::Key_F3), this);
@@ -408,6 +415,16 @@ void frmClienti::CmdCancella()
 
 void frmClienti::CmdStampaDoc()
 {
+    // A row not yet written has no receipt.
+    const QModelIndex riga = m_ui->TDBGrid_0->currentIndex();
+    if (const auto lancio = LancioRicevuta(riga.isValid() ? m_cassa->chiave(riga.row()) : QVariant(), m_modo == Modo::Clienti))
+        m_report.esegui(*lancio);
+}
+
+void frmClienti::azionePropria(const QString &azione)
+{
+    if (azione == QLatin1String("scheda") && rigaCorrente())
+        m_report.esegui(LancioScheda(chiaveCorrente().toLongLong(), m_modo == Modo::Clienti));
 }
 
 } // namespace customers

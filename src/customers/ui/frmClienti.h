@@ -44,6 +44,7 @@ protected:
     void impostaPredefiniti() override;
     bool verificaInterna(const QString &azione) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void azionePropria(const QString &azione) override;
 
 private:
     void impostaDidascalie();

@@ -53,6 +53,7 @@ QStyle::StandardPixmap icona(const QString &chiave)
         {QStringLiteral("elimina"), QStyle::SP_TrashIcon},
         {QStringLiteral("trova"), QStyle::SP_FileDialogContentsView},
         {QStringLiteral("stampa"), QStyle::SP_DialogSaveButton},
+        {QStringLiteral("scheda"), QStyle::SP_FileDialogInfoView},
         {QStringLiteral("ok"), QStyle::SP_DialogApplyButton},
         {QStringLiteral("annulla"), QStyle::SP_DialogCancelButton},
         {QStringLiteral("gestione"), QStyle::SP_FileDialogListView},

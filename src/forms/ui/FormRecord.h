@@ -109,6 +109,7 @@ protected:
     void LeggeDati() override { m_macchina->mostraCampi(); }
     void azioneRefresh() override {}
     void attivata(bool) override {}
+    void azionePropria(const QString &) override {}
     // A form with an operation panel shows or hides it.
     void layoutCambiato(Layout) override {}
     // The record shown is read afresh.
