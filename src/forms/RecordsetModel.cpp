@@ -116,6 +116,8 @@ void RecordsetModel::rileggi()
     const int riga = chiave.isValid() ? posizione(chiave) : -1;
     if (riga >= 0)
         m_rs->setAbsolutePosition(riga);
+    else if (chiave.isValid() && !m_rs->isEmpty())
+        m_rs->MoveFirst(); // the record is gone from the file read again: its first row, never a ghost
     emit riletto();
 }
 

@@ -4,6 +4,7 @@
 // file again afterwards, and the register goes on numbering without a gap.
 #include "parking/ui/FrmResto.h"
 #include "parking/ui/frmPark.h"
+#include "customers/ui/frmClienti.h"
 #include "forms/RecordsetModel.h"
 #include "forms/Tabelle.h"
 #include "forms/ui/frmtabelle.h"
@@ -242,6 +243,35 @@ private slots:
         QCOMPARE(m.rowCount(), lavoro == Lavoro::Ripristino ? 1 : 2);
         QVERIFY(m.setData(m.index(0, m.colonna(QStringLiteral("Descrizione"))), QStringLiteral("dopo")));
         QCOMPARE(db.scalar(QStringLiteral("select Descrizione from Cassa order by Data limit 1")).toString(), QStringLiteral("dopo"));
+        QVERIFY(m_prompter.messages.isEmpty());
+    }
+
+    // The registry window stays open across the work: afterwards it shows the file
+    // as it is, and a card changed in it is written there.
+    void theRegistryGoesOn_data() { lavori_data(); }
+    void theRegistryGoesOn()
+    {
+        QFETCH(Lavoro, lavoro);
+        store::Database &db = frame::basedati();
+        const auto cliente = [&](const QString &cognome) {
+            db.execute(QStringLiteral("insert into Clienti (Cognome, Cliente) values (?, -1)"), {cognome});
+        };
+        cliente(QStringLiteral("Primo"));
+        QVERIFY(backup());
+        cliente(QStringLiteral("Secondo"));
+        customers::frmClienti w(m_prompter, customers::Modo::Clienti);
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(showActive(&w));
+        QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), QStringLiteral("Secondo"));
+
+        QVERIFY(esegui(lavoro));
+        m_prompter.messages.clear(); // the work's own report
+        const QString atteso = lavoro == Lavoro::Ripristino ? QStringLiteral("Primo") : QStringLiteral("Secondo");
+        QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), atteso);
+        w.bottoni(QStringLiteral("modifica"));
+        w.findChild<QLineEdit *>(QStringLiteral("TxtT_1"))->setText(QStringLiteral("dopo"));
+        w.bottoni(QStringLiteral("ok"));
+        QCOMPARE(db.scalar(QStringLiteral("select Nome from Clienti where Cognome = ?"), {atteso}).toString(), QStringLiteral("dopo"));
         QVERIFY(m_prompter.messages.isEmpty());
     }
 };
