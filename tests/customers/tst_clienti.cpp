@@ -216,19 +216,27 @@ private slots:
     {
         const qint64 id = aggiungi(QStringLiteral("Verdi"), true);
         aggiungi(QStringLiteral("Rossi"), true);
+        aggiungi(QStringLiteral("R'%_x"), true);
         db().execute(QStringLiteral("insert into Cassa (IdCliente, Data, Entrata) values (?, ?, 10)"), {id, giorno(0)});
         customers::frmClienti w(m_prompter, Modo::Clienti);
         w.setAttribute(Qt::WA_DeleteOnClose, false);
         QVERIFY(showActive(&w));
         w.RicercaVeloce(QStringLiteral("ve"));
         QCOMPARE(c(w, "TxtT_21")->text(), QStringLiteral("Verdi"));
-        w.RicercaVeloce(QStringLiteral("Z'"));
-        QCOMPARE(m_prompter.texts().last(), frame::TestoLingua("M0004"));
         w.Command5();
+        w.RicercaVeloce(QStringLiteral("r'%")); // pattern letters are plain text, case is not
+        QCOMPARE(c(w, "TxtT_21")->text(), QStringLiteral("R'%_x"));
+        for (const char *niente : {"Z'", "[#*", "R'%_xy"}) {
+            w.Command5();
+            w.RicercaVeloce(QString::fromUtf8(niente));
+            QCOMPARE(m_prompter.texts().last(), frame::TestoLingua("M0004"));
+        }
+        w.Command5();
+        w.RicercaVeloce(QStringLiteral("ve"));
         m_prompter.answer(Prompter::Answer::Ok);
         w.bottoni(QStringLiteral("elimina"));
         QCOMPARE(m_prompter.questions, QStringList{frame::TestoLingua("M0006")});
-        QCOMPARE(db().scalar(QStringLiteral("select group_concat(Cognome) from Clienti")).toString(), QStringLiteral("Rossi"));
+        QCOMPARE(db().scalar(QStringLiteral("select count(*) from Clienti where Cognome = 'Verdi'")).toInt(), 0);
         QCOMPARE(db().scalar(QStringLiteral("select count(*) from Cassa where IdCliente = ?"), {id}).toInt(), 1);
     }
 };
