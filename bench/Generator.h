@@ -3,6 +3,10 @@
 #include <QString>
 #include <QStringList>
 
+namespace store {
+class Database;
+}
+
 namespace bench {
 
 struct Volume {
@@ -16,6 +20,24 @@ struct Volume {
 // `v.movimenti` movements spread over the years in every state, and customers
 // with cash rows. Deterministic: the same volume gives the same file.
 void GeneraBasedati(const QString &path, const Volume &v);
+
+// The registry and the cash book of a busy desk, for the cash-book benchmarks.
+struct VolumeClienti {
+    int clienti = 100000; // customers and suppliers, about 30% suppliers
+    int righe = 1000000;  // cash rows over the fiscal year
+    int anno = 2026;
+};
+
+// Adds to the open working database `db` the customers and suppliers of `v`
+// (names and places with accents and apostrophes, plates, places, fees,
+// deadlines, some fields empty) and the cash rows: fees, refunds, suppliers'
+// invoices and the parking takings of no customer, day by day over the year
+// with some rows entered late, nulls among the amounts. Deterministic.
+void GeneraClientiCassa(store::Database &db, const VolumeClienti &v);
+
+// The path of the cash-book benchmark database: `argomento` when given, else
+// bench-data/cassa.mdb in the build folder. Written first when missing.
+QString BasedatiCassa(const QString &argomento, const VolumeClienti &v = {});
 
 // The path of a benchmark database of `movimenti` movements: `argomento` when
 // given, else bench-data/basedati.mdb (a million) or basedati-Nm.mdb in the

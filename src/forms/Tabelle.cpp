@@ -108,20 +108,24 @@ void CompletaRiga(store::Recordset &rs)
     }
 }
 
+QColor ColoreImportiCassa(const QVariant &entrata, const QVariant &uscita)
+{
+    const bool e = entrata.toDouble() > 0;
+    const bool u = uscita.toDouble() > 0;
+    if (e && u)
+        return QColor(192, 192, 192);
+    if (e)
+        return QColor(223, 255, 234);
+    if (u)
+        return QColor(255, 242, 234);
+    return QColor(Qt::white);
+}
+
 QVariant ColoreCassa(const store::Recordset &rs)
 {
     if (rs.baseTable().compare(QLatin1String("Cassa"), Qt::CaseInsensitive) != 0)
         return {};
-    // A null amount counts as not above 0.
-    const bool entrata = rs.value(QStringLiteral("Entrata")).toDouble() > 0;
-    const bool uscita = rs.value(QStringLiteral("Uscita")).toDouble() > 0;
-    if (entrata && uscita)
-        return QBrush(QColor(192, 192, 192));
-    if (entrata)
-        return QBrush(QColor(223, 255, 234));
-    if (uscita)
-        return QBrush(QColor(255, 242, 234));
-    return QBrush(Qt::white);
+    return QBrush(ColoreImportiCassa(rs.value(QStringLiteral("Entrata")), rs.value(QStringLiteral("Uscita"))));
 }
 
 EsitoTrova TrovaInTabella(store::Database &db, const QString &sql, const QString &chiave, const QString &campo, const QString &testo,

@@ -2,6 +2,7 @@
 #pragma once
 #include "store/FieldKind.h"
 
+#include <QColor>
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -61,7 +62,11 @@ private:
 bool ConvalidaCampo(const store::FieldInfo &campo, QVariant &valore, frame::Prompter &prompter);
 // What a new row gets by itself: IDUTENTE the current user when still empty, ESERCIZIO the fiscal year.
 void CompletaRiga(store::Recordset &rs);
-// The back colour of a cash-book row by its amounts; invalid for other tables' rows.
+// The back colour of a cash-book row by its amounts, in the table editor and in
+// a customer's card: both above 0 grey, only the receipt green, only the payment
+// light blue, neither white; a null amount counts as not above 0.
+QColor ColoreImportiCassa(const QVariant &entrata, const QVariant &uscita);
+// The same for a row of a list, as a brush; invalid for other tables' rows.
 QVariant ColoreCassa(const store::Recordset &rs);
 
 // The find of the editor: the key of the first row of the list (its query

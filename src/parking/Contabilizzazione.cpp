@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "parking/Contabilizzazione.h"
 
+#include "customers/LibroCassa.h"
 #include "frame/Language.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
@@ -8,7 +9,6 @@
 #include "frame/Routines.h"
 #include "store/Database.h"
 #include "store/DbError.h"
-#include "store/Recordset.h"
 
 #include <cmath>
 
@@ -75,19 +75,7 @@ EsitoContabilizzazione Contabilizza(Prompter &prompter, const Orologio &adesso)
             prompter.information(TestoLingua("M0061"));
             return esito;
         }
-        {
-            store::Recordset cassa(db, QStringLiteral("select * from Cassa where id = -1"));
-            cassa.AddNew();
-            cassa.setValue(QStringLiteral("Data"), adesso().date());
-            cassa.setValue(QStringLiteral("Descrizione"), TestoLingua("M0301") + QStringLiteral(" (") + QString::number(num)
-                                                              + QLatin1Char(' ') + TestoLingua("M0302") + QLatin1Char(')'));
-            // The cash book keeps floating amounts: the exact sum is converted once, here.
-            cassa.setValue(QStringLiteral("Entrata"), imp.toDouble());
-            cassa.setValue(QStringLiteral("IdUtente"), pub().IdUtenteCorrente);
-            cassa.setValue(QStringLiteral("Esercizio"), pub().AnnoEsercizio);
-            cassa.Update();
-            esito.idCassa = db.lastInsertId();
-        }
+        esito.idCassa = customers::RegistraIncassoParcheggio(db, adesso().date(), num, imp);
         const int marcati = db.execute(QStringLiteral("update Movimentazioni set Contabilizzato = -1")
                                        + QLatin1String(DaContabilizzare));
         if (marcati != num)

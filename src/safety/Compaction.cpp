@@ -346,7 +346,7 @@ bool salva(store::Database &sorgente, const QString &copiaPath, const QString &c
         righe += s.copia();
         guasto = guasto || s.guasto();
     }
-    // Rows lost to damage would leave the register's counts counting them.
+    // Rows lost to damage would leave the register's counts and the cash book's days counting them.
     if (guasto)
         store::Schema::refillRegisterCounts(copia);
     // Counters of AUTOINCREMENT tables, so that no number is given twice.

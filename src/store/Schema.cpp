@@ -212,6 +212,46 @@ const char *const RegisterCountsFill =
     "INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) "
     "SELECT Anno, Entrato, id / 4096, count(*) FROM Movimentazioni GROUP BY Anno, Entrato, id / 4096";
 
+// The cash book's receipts and payments by day, in ten-thousandths (each row
+// taken to the nearest one, so the day sums are exact integers), kept by
+// triggers: the balance of the whole book before a day sums a few hundred of
+// these rows instead of the book. Rows without a date stand under a null day.
+const char *const CashBookDays = R"SQL(
+CREATE TABLE CassaGiorni (
+  Giorno TEXT(10),
+  Entrate LONG,
+  Uscite LONG,
+  Righe LONG
+);
+CREATE UNIQUE INDEX CassaGiorni_Giorno ON CassaGiorni (Giorno);
+CREATE TRIGGER CassaGiorni_Entra AFTER INSERT ON Cassa BEGIN
+  UPDATE CassaGiorni SET Entrate = Entrate + ifnull(round(NEW.Entrata * 10000), 0),
+    Uscite = Uscite + ifnull(round(NEW.Uscita * 10000), 0), Righe = Righe + 1 WHERE Giorno IS substr(NEW.Data, 1, 10);
+  INSERT INTO CassaGiorni (Giorno, Entrate, Uscite, Righe)
+    SELECT substr(NEW.Data, 1, 10), ifnull(round(NEW.Entrata * 10000), 0), ifnull(round(NEW.Uscita * 10000), 0), 1
+    WHERE NOT EXISTS (SELECT 1 FROM CassaGiorni WHERE Giorno IS substr(NEW.Data, 1, 10));
+END;
+CREATE TRIGGER CassaGiorni_Esce AFTER DELETE ON Cassa BEGIN
+  UPDATE CassaGiorni SET Entrate = Entrate - ifnull(round(OLD.Entrata * 10000), 0),
+    Uscite = Uscite - ifnull(round(OLD.Uscita * 10000), 0), Righe = Righe - 1 WHERE Giorno IS substr(OLD.Data, 1, 10);
+  DELETE FROM CassaGiorni WHERE Giorno IS substr(OLD.Data, 1, 10) AND Righe <= 0;
+END;
+CREATE TRIGGER CassaGiorni_Cambia AFTER UPDATE OF Data, Entrata, Uscita ON Cassa BEGIN
+  UPDATE CassaGiorni SET Entrate = Entrate - ifnull(round(OLD.Entrata * 10000), 0),
+    Uscite = Uscite - ifnull(round(OLD.Uscita * 10000), 0), Righe = Righe - 1 WHERE Giorno IS substr(OLD.Data, 1, 10);
+  DELETE FROM CassaGiorni WHERE Giorno IS substr(OLD.Data, 1, 10) AND Righe <= 0;
+  UPDATE CassaGiorni SET Entrate = Entrate + ifnull(round(NEW.Entrata * 10000), 0),
+    Uscite = Uscite + ifnull(round(NEW.Uscita * 10000), 0), Righe = Righe + 1 WHERE Giorno IS substr(NEW.Data, 1, 10);
+  INSERT INTO CassaGiorni (Giorno, Entrate, Uscite, Righe)
+    SELECT substr(NEW.Data, 1, 10), ifnull(round(NEW.Entrata * 10000), 0), ifnull(round(NEW.Uscita * 10000), 0), 1
+    WHERE NOT EXISTS (SELECT 1 FROM CassaGiorni WHERE Giorno IS substr(NEW.Data, 1, 10));
+END;
+)SQL";
+
+const char *const CashBookDaysFill =
+    "INSERT INTO CassaGiorni (Giorno, Entrate, Uscite, Righe) SELECT substr(Data, 1, 10), total(round(Entrata * 10000)), "
+    "total(round(Uscita * 10000)), count(*) FROM Cassa GROUP BY substr(Data, 1, 10)";
+
 const char *const BackupCatalogue = R"SQL(
 CREATE TABLE backup (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -242,6 +282,7 @@ void createWorkingTables(Database &db)
 {
     db.executeScript(caseBlindText(WorkingTables));
     db.executeScript(caseBlindText(RegisterCounts));
+    db.executeScript(QLatin1String(CashBookDays));
 }
 
 void upgradeRegister(Database &db)
@@ -278,14 +319,32 @@ void upgradeCashBook(Database &db)
 {
     // The table editor sorts and finds the cash book by its description.
     db.executeScript(QStringLiteral("CREATE INDEX IF NOT EXISTS Cassa_Descrizione ON Cassa (Descrizione)"));
+    if (db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'trigger' and name = 'CassaGiorni_Cambia'")).isValid())
+        return;
+    // A savepoint, not a transaction: the caller may be inside one.
+    db.executeScript(QStringLiteral("SAVEPOINT giorni"));
+    try {
+        db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS CassaGiorni_Entra; DROP TRIGGER IF EXISTS CassaGiorni_Esce;"
+                                        "DROP TABLE IF EXISTS CassaGiorni"));
+        db.executeScript(QLatin1String(CashBookDays));
+        db.execute(QLatin1String(CashBookDaysFill));
+    } catch (const DbError &) {
+        db.executeScript(QStringLiteral("ROLLBACK TO giorni; RELEASE giorni"));
+        throw;
+    }
+    db.executeScript(QStringLiteral("RELEASE giorni"));
 }
 
 void refillRegisterCounts(Database &db)
 {
-    if (!db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'table' and name = 'ConteggiMovimenti'")).isValid())
-        return;
-    db.execute(QStringLiteral("DELETE FROM ConteggiMovimenti"));
-    db.execute(QLatin1String(RegisterCountsFill));
+    if (db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'table' and name = 'ConteggiMovimenti'")).isValid()) {
+        db.execute(QStringLiteral("DELETE FROM ConteggiMovimenti"));
+        db.execute(QLatin1String(RegisterCountsFill));
+    }
+    if (db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'table' and name = 'CassaGiorni'")).isValid()) {
+        db.execute(QStringLiteral("DELETE FROM CassaGiorni"));
+        db.execute(QLatin1String(CashBookDaysFill));
+    }
 }
 
 void insertDeliveredRows(Database &db, int minorVersion)

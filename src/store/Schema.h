@@ -13,9 +13,11 @@ void createWorkingTables(Database &db);
 // Brings a register made by an earlier version up to date: its counts
 // (ConteggiMovimenti, filled here) and the index of plates with years.
 void upgradeRegister(Database &db);
-// The cash book's index on its description, where a file made earlier lacks it.
+// The cash book's index on its description and its sums by day (CassaGiorni,
+// filled here), where a file made earlier lacks them.
 void upgradeCashBook(Database &db);
-// Counts the register again; for a copy whose rows were not all saved.
+// Counts the register and sums the cash book's days again; for a copy whose
+// rows were not all saved.
 void refillRegisterCounts(Database &db);
 // The delivered rows: the settings row, the two system users, example tariff bands.
 void insertDeliveredRows(Database &db, int minorVersion);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include "store/Currency.h"
+
 #include <QMap>
 #include <QString>
 
@@ -27,5 +29,12 @@ struct Lancio {
     // The label formulas "name='text'" from language keys, from index `da` on.
     void etichette(int da, std::initializer_list<std::pair<const char *, const char *>> nomiChiavi);
 };
+
+// An amount as a number of the formula language, which reads a point as the
+// decimal separator whatever the language of the desk: "1234.5", "-0.0001".
+inline QString NumeroFormula(store::Currency importo)
+{
+    return importo.toPlainText(QLatin1Char('.'));
+}
 
 } // namespace reports

@@ -5,7 +5,6 @@
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "store/Database.h"
 
 #include <QStringList>
 
@@ -85,7 +84,8 @@ QString SelezioneCassa(const OpzioniCassa &o, const QString &anno)
     return s;
 }
 
-Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o)
+Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o, store::Currency entrateRiportate,
+                   store::Currency usciteRiportate)
 {
     Lancio l;
     l.modello = QStringLiteral("cassa");
@@ -93,17 +93,8 @@ Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o)
     if (conDal && o.dal->year() < pub().AnnoEsercizio.toInt())
         prompter.information(frame::TestoLingua("M0084"));
     if (conDal) {
-        // Everything the book holds before the start, whoever it belongs to, is carried in.
-        double entrate = 0, uscite = 0;
-        store::Statement st = frame::basedati().prepare(
-            QStringLiteral("select sum(entrata) as e , sum(uscita) as u from cassa where data < ?"));
-        st.bind(1, o.dal->startOfDay());
-        if (st.step()) {
-            entrate = st.value(0).toDouble();
-            uscite = st.value(1).toDouble();
-        }
-        l.formule.insert(0, QStringLiteral("EntrataPeriodo=") + QString::number(entrate, 'f', 4));
-        l.formule.insert(1, QStringLiteral("UscitaPeriodo=") + QString::number(uscite, 'f', 4));
+        l.formule.insert(0, QStringLiteral("EntrataPeriodo=") + NumeroFormula(entrateRiportate));
+        l.formule.insert(1, QStringLiteral("UscitaPeriodo=") + NumeroFormula(usciteRiportate));
         l.formule.insert(2, QStringLiteral("DataPeriodo='") + frame::TestoData(o.dal->startOfDay()) + QLatin1Char('\''));
     } else {
         l.formule.insert(0, QStringLiteral("EntrataPeriodo=0"));

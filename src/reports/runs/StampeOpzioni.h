@@ -43,8 +43,10 @@ struct OpzioniCassa {
 
 // The selection formula of the fiscal year's cash book.
 QString SelezioneCassa(const OpzioniCassa &o, const QString &anno);
-// The cash report's run. Tells M0084 for a start before the fiscal year and
-// carries in the sums of what the book holds before the start.
-Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o);
+// The cash report's run. Tells M0084 for a start before the fiscal year. With a
+// start, the receipts and payments the whole book holds before it are carried
+// in as given (the caller sums them); without one nothing is carried in.
+Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o, store::Currency entrateRiportate,
+                   store::Currency usciteRiportate);
 
 } // namespace reports

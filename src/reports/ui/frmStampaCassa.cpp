@@ -3,7 +3,10 @@
 
 #include "ui_frmStampaCassa.h"
 
+#include "customers/LibroCassa.h"
 #include "frame/Language.h"
+#include "frame/Routines.h"
+#include "store/DbError.h"
 
 namespace reports {
 
@@ -26,8 +29,20 @@ frmStampaCassa::frmStampaCassa(frame::Prompter &prompter, QWidget *parent)
     m_ui->TDBDGG->impostaData(std::nullopt);
     m_ui->TDBDGG2->impostaData(std::nullopt);
     connect(m_ui->Okstampa, &QPushButton::clicked, this, [this] {
-        if (frame::CasellaTesto::confermaTutte(this))
-            m_report.esegui(LancioCassa(m_prompter, opzioni()));
+        if (!frame::CasellaTesto::confermaTutte(this))
+            return;
+        const OpzioniCassa o = opzioni();
+        // The balance carried in is the whole book's before the start, whoever the rows belong to.
+        customers::Somme riporto;
+        if (o.dal && o.dal->isValid()) {
+            try {
+                riporto = customers::SaldoPrecedente(frame::basedati(), *o.dal);
+            } catch (const store::DbError &e) {
+                frame::MostraErrore(m_prompter, e.message());
+                return;
+            }
+        }
+        m_report.esegui(LancioCassa(m_prompter, o, riporto.entrate, riporto.uscite));
     });
     connect(m_ui->cmdAnnulla, &QPushButton::clicked, this, &QDialog::close);
 }
