@@ -20,6 +20,8 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPrintPreviewDialog>
+#include <QPushButton>
 #include <QTableView>
 #include <QTabWidget>
 #include <QtTest>
@@ -238,6 +240,57 @@ private slots:
         QCOMPARE(m_prompter.questions, QStringList{frame::TestoLingua("M0006")});
         QCOMPARE(db().scalar(QStringLiteral("select count(*) from Clienti where Cognome = 'Verdi'")).toInt(), 0);
         QCOMPARE(db().scalar(QStringLiteral("select count(*) from Cassa where IdCliente = ?"), {id}).toInt(), 1);
+    }
+
+    // The fee taken twice while the card is changed, once refused; a row deleted
+    // after its question; the receipt of the shown row and the card printed.
+    void canoneERicevuta()
+    {
+        pub().CartellaProgramma = QStringLiteral(VELTANO_SOURCE_DIR "/templates/");
+        const qint64 id = aggiungi(QStringLiteral("Neri"), true, giorno(-40));
+        db().execute(QStringLiteral("update Clienti set Canone = 80 where Id = ?"), {id});
+        customers::frmClienti w(m_prompter, Modo::Clienti);
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(showActive(&w));
+        QVERIFY(!c<QPushButton>(w, "CmdPag")->isEnabled()); // only while the card is written
+        w.bottoni(QStringLiteral("modifica"));
+        for (const auto risposta : {Prompter::Answer::Ok, Prompter::Answer::Cancel, Prompter::Answer::Ok}) {
+            m_prompter.answer(risposta);
+            c<QPushButton>(w, "CmdPag")->click();
+        }
+        QCOMPARE(w.Datagrid().rowCount(), 2);
+        QCOMPARE(db().scalar(QStringLiteral("select sum(Entrata) || ' ' || min(Descrizione) from Cassa where IdCliente = ?"), {id}).toString(),
+                 QStringLiteral("160.0 ") + frame::TestoLingua("M0303"));
+        w.bottoni(QStringLiteral("ok"));
+        QCOMPARE(db().scalar(QStringLiteral("select DataUltimoPagamento from Clienti")).toDateTime().date(), QDate::currentDate());
+        QCOMPARE(c<QLabel>(w, "LblAss")->text(), frame::TestoLingua("M0214"));
+
+        auto *cassa = c<QTableView>(w, "TDBGrid_0");
+        cassa->setCurrentIndex(w.Datagrid().index(0, 0));
+        w.bottoni(QStringLiteral("modifica"));
+        for (const auto risposta : {Prompter::Answer::No, Prompter::Answer::Yes}) {
+            m_prompter.answer(risposta);
+            c<QPushButton>(w, "CmdCancella")->click();
+        }
+        QCOMPARE(db().scalar(QStringLiteral("select count(*) from Cassa")).toInt(), 1);
+        m_prompter.answer(Prompter::Answer::Ok);
+        w.bottoni(QStringLiteral("annulla"));
+
+        const auto anteprime = [] {
+            int n = 0;
+            for (QWidget *t : QApplication::topLevelWidgets())
+                if (qobject_cast<QPrintPreviewDialog *>(t) && t->isVisible()) {
+                    ++n;
+                    t->close();
+                }
+            return n;
+        };
+        cassa->setCurrentIndex(w.Datagrid().index(0, 0));
+        c<QPushButton>(w, "CmdStampaDoc")->click();
+        QCOMPARE(anteprime(), 1);
+        w.bottoni(QStringLiteral("scheda"));
+        QCOMPARE(anteprime(), 1);
+        QVERIFY2(m_prompter.messages.isEmpty(), qPrintable(m_prompter.texts().join(QLatin1Char('|'))));
     }
 };
 

@@ -3,6 +3,7 @@
 #include "ui_frmClienti.h"
 
 #include "customers/Contatti.h"
+#include "customers/LibroCassa.h"
 #include "customers/Semaforo.h"
 #include "customers/StampeCliente.h"
 #include "forms/RecordsetModel.h"
@@ -168,6 +169,10 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
     m_cassa->impostaColonne({QStringLiteral("Data"), QStringLiteral("Descrizione"), QStringLiteral("Entrata"), QStringLiteral("Uscita")});
     m_cassa->impostaIntestazioni({TestoLingua("M0209"), TestoLingua("M0210"), TestoLingua("M0355"), TestoLingua("M0356")});
     m_cassa->impostaColori(forms::ColoreCassa);
+    m_cassa->impostaModifica(
+        prompter,
+        [this](const QString &campo, QVariant &v) { return forms::ConvalidaCampo(m_cassa->recordset().field(campo), v, this->prompter()); },
+        [this](store::Recordset &rs) { CompletaRigaCliente(rs, m_idCassa.toLongLong()); });
     m_ui->TDBGrid_0->setModel(m_cassa.get());
     m_ui->TDBGrid_0->setItemDelegate(new forms::EditoreCampi(m_ui->TDBGrid_0));
     m_ui->TDBGrid_0->horizontalHeader()->setStretchLastSection(true);
@@ -401,6 +406,16 @@ void frmClienti::rubricaCambiata(const QModelIndex &riga)
 
 void frmClienti::CmdPag()
 {
+    if (!prompter().confirm(TestoLingua("M0003"))) // "Record the payment of the monthly fee?"
+        return;
+    // The date goes with the card's own save; the row is written now, one fee a press.
+    m_ui->TxtD_1->impostaData(QDate::currentDate());
+    if (m_idCassa.isValid())
+        PagamentoCanone(frame::basedati(), prompter(), m_idCassa.toLongLong(), m_ui->TxtN_0->text(), QDate::currentDate());
+    else
+        prompter().message(TestoLingua("M0083"), frame::Prompter::Icon::Exclamation);
+    m_cassa->aggiorna();
+    m_ui->TDBGrid_0->setFocus();
 }
 
 void frmClienti::CmdCancella()
