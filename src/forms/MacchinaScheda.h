@@ -26,6 +26,7 @@ struct ConfigurazioneScheda {
     bool attivazione = false;   // the form has the operation layout
     QString modelloStampa = QStringLiteral("Elenco"); // the list template of the print mode
     const char *chiaveTitoloStampa = "M0327";          // and its title
+    QString modelloEtichette;                          // the labels template of the print mode; empty: no labels
     QList<const char *> domandeElimina = {"M0013", "M0047"}; // asked in turn before a delete, each must be OK
 };
 

@@ -290,6 +290,11 @@ private slots:
         QCOMPARE(anteprime(), 1);
         w.bottoni(QStringLiteral("scheda"));
         QCOMPARE(anteprime(), 1);
+        w.bottoni(QStringLiteral("stampa")); // the print panel offers the labels of the same filter
+        auto *etichette = c<QPushButton>(w, "CmdEtichette");
+        QVERIFY(etichette->isVisible());
+        etichette->click();
+        QCOMPARE(anteprime(), 1);
         QVERIFY2(m_prompter.messages.isEmpty(), qPrintable(m_prompter.texts().join(QLatin1Char('|'))));
     }
 };

@@ -44,6 +44,7 @@ forms::ConfigurazioneScheda configurazione()
     c.ordinePredefinito = QStringLiteral(" order by Cognome,Nome");
     c.azioni = forms::ChiaviToolbar();
     c.azioni.removeAll(QStringLiteral("gestione"));
+    c.modelloEtichette = QStringLiteral("Etichette");
     c.domandeElimina = {"M0006"}; // "Delete the record?": once, the card's rows in the cash book stay
     return c;
 }

@@ -138,6 +138,8 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
 
     connect(m_filtri, &PannelloFiltro::esegui, this, &FormRecord::Command6);
     connect(m_filtri, &PannelloFiltro::chiudi, this, &FormRecord::Command5);
+    m_filtri->impostaEtichette(!m_macchina->configurazione().modelloEtichette.isEmpty());
+    connect(m_filtri, &PannelloFiltro::etichette, this, [this] { stampaFiltro(m_macchina->configurazione().modelloEtichette); });
     connect(m_filtri, &PannelloFiltro::elencoPrecedente, this, &FormRecord::CmdElencoPrec);
     MacchinaScheda *m = m_macchina.get();
     connect(m, &MacchinaScheda::statoCambiato, this, &FormRecord::mostraStato);
@@ -413,20 +415,35 @@ void FormRecord::PosizionaRecord()
     m_macchina->PosizionaRecord(i.isValid() ? datPrimaryRSGrd().chiave(i.row()) : QVariant());
 }
 
-void FormRecord::Command6()
+std::optional<Filtro> FormRecord::filtroDelPannello()
 {
     const Filtro f = CostruisciFiltro(m_macchina->configurazione().tabella, m_filtri->caselle(), m_filtri->modoConfronto(),
                                       prompter());
-    if (!f.valido) {
-        if (QLineEdit *e = m_filtri->casella(f.casellaErrata, f.erroreNelLimiteAl))
-            e->setFocus();
-        return;
-    }
-    if (m_filtri->modo() == PannelloFiltro::Modo::Stampa) {
+    if (f.valido)
+        return f;
+    if (QLineEdit *e = m_filtri->casella(f.casellaErrata, f.erroreNelLimiteAl))
+        e->setFocus();
+    return std::nullopt;
+}
+
+void FormRecord::stampaFiltro(const QString &modello)
+{
+    if (const std::optional<Filtro> f = filtroDelPannello()) {
         MostraStato(QString());
-        m_report.esegui(LancioFiltro(f, m_macchina->configurazione().modelloStampa, m_macchina->configurazione().chiaveTitoloStampa));
+        m_report.esegui(LancioFiltro(*f, modello, m_macchina->configurazione().chiaveTitoloStampa));
+    }
+}
+
+void FormRecord::Command6()
+{
+    if (m_filtri->modo() == PannelloFiltro::Modo::Stampa) {
+        stampaFiltro(m_macchina->configurazione().modelloStampa);
         return;
     }
+    const std::optional<Filtro> trovato = filtroDelPannello();
+    if (!trovato)
+        return;
+    const Filtro &f = *trovato;
     const QString ordine = m_cmbOrdinamento->currentIndex() >= 0
                                ? OrdineColonna(datPrimaryRSGrd().campo(m_cmbOrdinamento->currentData().toInt()),
                                                m_chkOrdinamento->isChecked())

@@ -128,6 +128,9 @@ protected:
 
 private:
     void creaToolbar();
+    // The filter panel's boxes built into a filter; a box refused takes the focus.
+    std::optional<Filtro> filtroDelPannello();
+    void stampaFiltro(const QString &modello);
     QWidget *creaPannelloElenco();
     void mostraStato();
     void daiFuoco(MacchinaScheda::Fuoco dove);

@@ -40,7 +40,7 @@ QString nomeCasella(TipoCasella tipo, bool al, int indice)
 
 PannelloFiltro::PannelloFiltro(QWidget *parent)
     : QWidget(parent), m_intestazione(new QLabel(this)), m_combo1(new QComboBox(this)), m_griglia(nullptr),
-      m_chkAuto(new QCheckBox(this)), m_modoBottone(new QPushButton(this))
+      m_chkAuto(new QCheckBox(this)), m_modoBottone(new QPushButton(this)), m_etichette(new QPushButton(this))
 {
     setObjectName(QStringLiteral("PicRic"));
     m_intestazione->setObjectName(QStringLiteral("IntestazioneRicerca"));
@@ -69,6 +69,12 @@ PannelloFiltro::PannelloFiltro(QWidget *parent)
             emit esegui();
     });
     connect(command5, &QPushButton::clicked, this, &PannelloFiltro::chiudi);
+    m_etichette->setObjectName(QStringLiteral("CmdEtichette"));
+    m_etichette->setAutoDefault(false);
+    connect(m_etichette, &QPushButton::clicked, this, [this] {
+        if (frame::CasellaTesto::confermaTutte(this))
+            emit etichette();
+    });
     connect(elencoPrec, &QPushButton::clicked, this, &PannelloFiltro::elencoPrecedente);
     // The mode button switches between finding and printing with the same filters.
     connect(m_modoBottone, &QPushButton::clicked, this,
@@ -92,6 +98,7 @@ PannelloFiltro::PannelloFiltro(QWidget *parent)
     comandi->addStretch(1);
     comandi->addWidget(elencoPrec);
     comandi->addWidget(command6);
+    comandi->addWidget(m_etichette);
     comandi->addWidget(command5);
 
     auto *layout = new QVBoxLayout(this);
@@ -181,6 +188,7 @@ void PannelloFiltro::impostaModo(Modo modo)
     const bool stampa = modo == Modo::Stampa;
     m_intestazione->setText(stampa ? QStringLiteral("Filtri per Stampa") : QStringLiteral("Filtri per Ricerca"));
     m_chkAuto->setVisible(!stampa);
+    m_etichette->setVisible(stampa && m_conEtichette);
     m_modoBottone->setChecked(stampa);
     // The first pair of keys serves the print mode, the second the search mode.
     int n = 0;
@@ -190,6 +198,13 @@ void PannelloFiltro::impostaModo(Modo modo)
         if ((n++ == 0) == stampa)
             ApplicaDidascalia(m_modoBottone, d.testo, d.suggerimento);
     }
+}
+
+void PannelloFiltro::impostaEtichette(bool conEtichette)
+{
+    m_conEtichette = conEtichette;
+    m_etichette->setText(frame::TestoLingua("CAP26")); // "Labels"
+    impostaModo(m_modo);
 }
 
 QVector<CasellaFiltro> PannelloFiltro::caselle() const

@@ -45,11 +45,14 @@ public:
     // The box of entry `indice` (the upper one of a date or number with `limiteAl`).
     QLineEdit *casella(int indice, bool limiteAl = false) const;
     void impostaDidascalie();
+    // The form prints labels too: a button beside the print one, in the print mode.
+    void impostaEtichette(bool conEtichette);
 
 signals:
     void esegui();           // Command6: run the builder in the panel's mode
     void chiudi();           // Command5: leave the panel
     void elencoPrecedente(); // CmdElencoPrec: the last list, without a new search
+    void etichette();        // CmdEtichette: the labels of the filtered records
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -60,6 +63,8 @@ private:
     QGridLayout *m_griglia;
     QCheckBox *m_chkAuto;
     QPushButton *m_modoBottone;
+    QPushButton *m_etichette;
+    bool m_conEtichette = false;
     Modo m_modo = Modo::Ricerca;
     QVector<CasellaFiltro> m_catalogo;
     QVector<QLineEdit *> m_dal; // the text box, or the lower bound
