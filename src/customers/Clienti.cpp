@@ -3,6 +3,8 @@
 
 #include "frame/Language.h"
 #include "frame/Prompter.h"
+#include "store/Database.h"
+#include "store/Schema.h"
 
 namespace customers {
 
@@ -16,7 +18,20 @@ const QString PerNome = QStringLiteral(" order by Cognome,Nome");
 Sorgente SorgenteModo(Modo modo)
 {
     // Yes/No stores -1 for yes.
-    return {Vista + QStringLiteral(" where cliente = ?") + PerNome, {modo == Modo::Clienti ? -1 : 0}};
+    return {Vista + QStringLiteral(" where cliente = ?") + PerNome + QStringLiteral(",Id"), {modo == Modo::Clienti ? -1 : 0}};
+}
+
+store::RowCounter ContatoreModo(store::Database &db, Modo modo)
+{
+    // The view adds a name to each record and takes none away: the table counts alike.
+    store::Schema::upgradeRegistry(db);
+    const QVariant cliente = modo == Modo::Clienti ? -1 : 0;
+    store::RowCounter c;
+    c.total = [&db, cliente] { return db.scalar(QStringLiteral("select count(*) from Clienti where Cliente = ?"), {cliente}).toLongLong(); };
+    c.at = [&db, cliente](qint64 pos) {
+        return db.scalar(QStringLiteral("select Id from Clienti where Cliente = ? order by Cognome,Nome,Id limit 1 offset ?"), {cliente, pos});
+    };
+    return c;
 }
 
 Sorgente SorgenteLettera(const QString &lettera)

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include "store/Recordset.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -20,8 +22,12 @@ struct Sorgente {
     QVariantList parametri;
 };
 
-// The form's own list: the mode's records by name.
+// The form's own list: the mode's records by name (and by key among equal names,
+// so that a place in the list is always the same record).
 Sorgente SorgenteModo(Modo modo);
+// The counts of that list: its size and the record at a place, so that the form
+// opens on the last record without reading all before it.
+store::RowCounter ContatoreModo(store::Database &db, Modo modo);
 // The letter strip: a letter lists every surname starting with it, whatever its
 // case, customers and suppliers together; "Tutti" lists everything in the
 // query's own order. The mode stays as it was.

@@ -57,8 +57,10 @@ void RecordsetModel::apri(const QString &sql, const QVariantList &params)
     // Opened first: a query that fails leaves the list as it was. A sort by the
     // user keeps the count of the rows, not their places.
     store::RowCounter contatore = m_contatore;
-    if (sql != m_sqlBase)
+    if (sql != m_sqlBase) {
         contatore.before = nullptr;
+        contatore.at = nullptr;
+    }
     auto rs = std::make_unique<store::Recordset>(m_db, sql, params, contatore);
     beginResetModel();
     m_nuova.reset(); // a pending row goes with the list it was typed in

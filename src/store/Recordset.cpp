@@ -144,7 +144,7 @@ Recordset::Recordset(Database &db, const QString &sql, const QVariantList &param
             }
         }
     }
-    if (m_keyColumn >= 0 && m_counter.before)
+    if (m_keyColumn >= 0 && (m_counter.before || m_counter.at))
         readOrder();
     // Whole-file work closes the file under the set: its statements go, and reading goes on after it.
     m_listening = m_db.listen([this](Database::Event e) {
@@ -544,7 +544,7 @@ qint64 Recordset::positionOfKey(const QVariant &key)
     for (qint64 i = 0; i < m_run.size(); ++i)
         if (matches(m_run[i]))
             return m_runBase + i;
-    if (!m_order.isEmpty() && (m_runBase >= 0 || !m_exhausted)) {
+    if (m_counter.before && !m_order.isEmpty() && (m_runBase >= 0 || !m_exhausted)) {
         // The counter tells where it stands; near the rows read, reading on costs less than a run.
         const std::optional<qint64> before = m_counter.before(key);
         if (!before)

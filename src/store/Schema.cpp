@@ -79,6 +79,7 @@ CREATE TABLE Clienti (
 );
 CREATE INDEX Clienti_Nominativo ON Clienti (Cognome, Nome);
 CREATE INDEX Clienti_Targa ON Clienti (Targa);
+CREATE INDEX Clienti_Modo ON Clienti (Cliente, Cognome, Nome);
 
 CREATE TABLE Cassa (
   id INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -333,6 +334,12 @@ void upgradeCashBook(Database &db)
         throw;
     }
     db.executeScript(QStringLiteral("RELEASE giorni"));
+}
+
+void upgradeRegistry(Database &db)
+{
+    // The registry's window counts and places the records of one mode by name.
+    db.executeScript(QStringLiteral("CREATE INDEX IF NOT EXISTS Clienti_Modo ON Clienti (Cliente, Cognome, Nome)"));
 }
 
 void refillRegisterCounts(Database &db)

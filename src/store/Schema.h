@@ -16,6 +16,8 @@ void upgradeRegister(Database &db);
 // The cash book's index on its description and its sums by day (CassaGiorni,
 // filled here), where a file made earlier lacks them.
 void upgradeCashBook(Database &db);
+// The index by mode and name of the customers and suppliers, made on a file made earlier.
+void upgradeRegistry(Database &db);
 // Counts the register and sums the cash book's days again; for a copy whose
 // rows were not all saved.
 void refillRegisterCounts(Database &db);

@@ -223,13 +223,15 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
     impostaModo();
     Gestione();
     const Sorgente s = SorgenteModo(m_modo);
-    apriDettaglio(s.sql, s.parametri);
+    apriDettaglio(s.sql, s.parametri, QVariant(), ContatoreModo(frame::basedati(), m_modo));
     for (int c = 0; c < datPrimaryRS().columnCount(); ++c) {
         const QString campo = datPrimaryRS().campo(c);
         m_ui->TDBGridRubrica->setColumnHidden(c, campo != QLatin1String("Cognome") && campo != QLatin1String("Nome"));
     }
-    if (const qint64 righe = recordset().RecordCount(); righe > 0)
-        vaiA(righe - 1);
+    if (!recordset().isEmpty()) {
+        recordset().MoveLast();
+        Riposiziona();
+    }
 }
 
 frmClienti::~frmClienti()
