@@ -18,12 +18,14 @@
 #include <QAction>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPrintPreviewDialog>
 #include <QPushButton>
 #include <QTableView>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include <memory>
@@ -206,6 +208,17 @@ private slots:
         QVERIFY(!c<QWidget>(w, "PicSemaforo")->isVisible());
         const int targa = w.datPrimaryRSGrd().colonna(QStringLiteral("Targa"));
         QVERIFY(targa >= 0 && w.grdDataGrid()->isColumnHidden(targa));
+
+        // A layout saved from the heading's menu comes back by its name.
+        QTemporaryDir programma;
+        pub().CartellaProgramma = programma.path() + QLatin1Char('/');
+        const auto azione = [&](const char *nome) { return w.grdDataGrid()->horizontalHeader()->findChild<QAction *>(QLatin1String(nome)); };
+        const int nome = w.datPrimaryRSGrd().colonna(QStringLiteral("Nome"));
+        w.grdDataGrid()->setColumnHidden(nome, true);
+        azione("salva_clienti2")->trigger();
+        w.grdDataGrid()->setColumnHidden(nome, false);
+        azione("carica_clienti2")->trigger();
+        QVERIFY(w.grdDataGrid()->isColumnHidden(nome));
         w.bottoni(QStringLiteral("modifica"));
         c(w, "TxtT_1")->setText(QStringLiteral("Mario"));
         w.bottoni(QStringLiteral("ok"));

@@ -163,6 +163,23 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
     catalogo << telefoni;
     impostaCatalogoFiltri(catalogo);
     forms::CaricaLayoutGriglia(*grdDataGrid(), QStringLiteral("clienti1"));
+    // The list's three saved layouts, from its heading's menu.
+    QHeaderView *testata = grdDataGrid()->horizontalHeader();
+    testata->setContextMenuPolicy(Qt::ActionsContextMenu);
+    for (int n = 1; n <= 3; ++n) {
+        const QString nome = QStringLiteral("clienti%1").arg(n);
+        auto *carica = new QAction(TestoLingua("CAP27").arg(n), testata); // "Layout %1"
+        carica->setObjectName(QStringLiteral("carica_") + nome);
+        connect(carica, &QAction::triggered, this, [this, nome] { forms::CaricaLayoutGriglia(*grdDataGrid(), nome); });
+        auto *salva = new QAction(TestoLingua("CAP28").arg(n), testata); // "Save as layout %1"
+        salva->setObjectName(QStringLiteral("salva_") + nome);
+        connect(salva, &QAction::triggered, this, [this, nome] {
+            if (!forms::SalvaLayoutGriglia(*grdDataGrid(), nome))
+                this->prompter().message(TestoLingua("CAP29"), frame::Prompter::Icon::Exclamation); // the file can't be written
+        });
+        testata->addAction(carica);
+        testata->addAction(salva);
+    }
 
     // The card's cash rows, newest first, editable while the card is.
     m_cassa = std::make_unique<forms::RecordsetModel>(
