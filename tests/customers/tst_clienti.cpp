@@ -310,6 +310,24 @@ private slots:
         QCOMPARE(anteprime(), 1);
         QVERIFY2(m_prompter.messages.isEmpty(), qPrintable(m_prompter.texts().join(QLatin1Char('|'))));
     }
+
+    // A card deleted by another window while shown: its change and its fee are
+    // refused with a message, and nothing is written.
+    void cancellatoAltrove()
+    {
+        const qint64 id = aggiungi(QStringLiteral("Sparito"), true);
+        customers::frmClienti w(m_prompter, Modo::Clienti);
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(showActive(&w));
+        w.bottoni(QStringLiteral("modifica"));
+        db().execute(QStringLiteral("delete from Clienti where Id = ?"), {id});
+        m_prompter.answer(Prompter::Answer::Ok);
+        c<QPushButton>(w, "CmdPag")->click();
+        c(w, "TxtT_1")->setText(QStringLiteral("dopo"));
+        w.bottoni(QStringLiteral("ok"));
+        QCOMPARE(m_prompter.messages.size(), 2);
+        QCOMPARE(db().scalar(QStringLiteral("select count(*) from Clienti")).toInt() + db().scalar(QStringLiteral("select count(*) from Cassa")).toInt(), 0);
+    }
 };
 
 QTEST_MAIN(TestClienti)
