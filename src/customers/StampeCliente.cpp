@@ -46,14 +46,4 @@ std::optional<reports::Lancio> LancioRicevuta(const QVariant &idRiga, bool clien
     return l;
 }
 
-reports::Lancio LancioEtichette(const forms::Filtro &filtro)
-{
-    return forms::LancioFiltro(filtro, QStringLiteral("Etichette"));
-}
-
-reports::Lancio LancioElenco(const forms::Filtro &filtro)
-{
-    return forms::LancioFiltro(filtro, QStringLiteral("Elenco"));
-}
-
 } // namespace customers

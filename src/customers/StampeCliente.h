@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include "forms/Filtro.h"
 #include "reports/runs/Lancio.h"
 
 #include <QVariant>
@@ -17,9 +16,5 @@ reports::Lancio LancioScheda(qint64 id, bool cliente);
 // The receipt of one row of the cash book (CmdStampaDoc). A row not yet stored
 // has no id and gives no run.
 std::optional<reports::Lancio> LancioRicevuta(const QVariant &idRiga, bool cliente);
-// The labels of the records the search panel's filter selects.
-reports::Lancio LancioEtichette(const forms::Filtro &filtro);
-// The list of the same records.
-reports::Lancio LancioElenco(const forms::Filtro &filtro);
 
 } // namespace customers

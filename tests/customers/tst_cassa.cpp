@@ -385,27 +385,6 @@ private slots:
                                  .arg(TestoLingua("M0301"), TestoLingua("M0302"))));
         QCOMPARE(customers::SommeCassa(db(), {}).entrate, soldi("3.2222"));
     }
-
-    void colours_data()
-    {
-        colonne<QVariant, QVariant, QColor>({"entrata", "uscita", "colore"});
-        const QColor grigio(0xC0, 0xC0, 0xC0), verde(0xDF, 0xFF, 0xEA), azzurro(0xFF, 0xF2, 0xEA), bianco(Qt::white);
-        QTest::newRow("both above 0") << QVariant(10.0) << QVariant(0.0001) << grigio;
-        QTest::newRow("receipt only") << QVariant(10.0) << QVariant(0.0) << verde;
-        QTest::newRow("receipt, null payment") << QVariant(10.0) << QVariant() << verde;
-        QTest::newRow("payment only") << QVariant(0.0) << QVariant(3.5) << azzurro;
-        QTest::newRow("null receipt, payment") << QVariant() << QVariant(3.5) << azzurro;
-        QTest::newRow("zeros") << QVariant(0.0) << QVariant(0.0) << bianco;
-        QTest::newRow("nulls") << QVariant() << QVariant() << bianco;
-        QTest::newRow("negatives are not above 0") << QVariant(-1.0) << QVariant(-2.0) << bianco;
-        QTest::newRow("negative receipt, payment") << QVariant(-1.0) << QVariant(2.0) << azzurro;
-    }
-    void colours()
-    {
-        QFETCH(QVariant, entrata);
-        QFETCH(QVariant, uscita);
-        QTEST(forms::ColoreImportiCassa(entrata, uscita), "colore");
-    }
 };
 
 QTEST_MAIN(TestCassa)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "customers/Contatti.h"
 #include "customers/StampeCliente.h"
+#include "forms/Filtro.h"
 
 #include "reports/engine/CrystalReport.h"
 #include "reports/engine/ReportRun.h"
@@ -272,24 +273,6 @@ private slots:
         QCOMPARE(l->formule.value(2), QStringLiteral("lblimporto='Amount'"));
     }
 
-    void lanciFiltro()
-    {
-        forms::CasellaFiltro k;
-        k.campo = QStringLiteral("Cognome");
-        k.didascalia = QStringLiteral("Cognome");
-        k.valore = QStringLiteral("O'B");
-        ScriptedPrompter p;
-        const forms::Filtro f = forms::CostruisciFiltro(QStringLiteral("Q_Clienti_Utenti"), {k}, 0, p);
-        QVERIFY(!f.formula.isEmpty());
-        for (const auto &[l, modello] : {std::pair{customers::LancioEtichette(f), "Etichette"}, std::pair{customers::LancioElenco(f), "Elenco"}}) {
-            QCOMPARE(l.modello, QLatin1String(modello));
-            QCOMPARE(l.selezione, f.formula);
-            QCOMPARE(l.formule.value(0), QStringLiteral("Descrizionefiltri0='Dati elaborati secondo i seguenti  criteri:'"));
-            QVERIFY(l.formule.value(1).startsWith(QStringLiteral("Descrizionefiltri='Cognome inizia per -O")));
-            QCOMPARE(l.formule.value(2), QStringLiteral("Titolo='Customer and supplier list'"));
-        }
-    }
-
     // --- the templates, printed from the database
 
     void stampaScheda()
@@ -345,7 +328,7 @@ private slots:
     {
         ScriptedPrompter p;
         reports::CrystalReport report(p);
-        stampa(report, customers::LancioEtichette(forms::CostruisciFiltro(QStringLiteral("Q_Clienti_Utenti"), {}, 0, p)), "etichette.pdf");
+        stampa(report, forms::LancioFiltro(forms::CostruisciFiltro(QStringLiteral("Q_Clienti_Utenti"), {}, 0, p), QStringLiteral("Etichette")), "etichette.pdf");
         QCOMPARE(report.lastRowCount(), 9);
         QCOMPARE(report.lastPageCount(), 2);
         const QList<reports::LaidOutSection> etichette = report.laidOut(QStringLiteral("detail"));
@@ -362,9 +345,6 @@ private slots:
         QCOMPARE(obrien.named.value(QStringLiteral("indirizzo")), QStringLiteral("Via \"Dante\" 3"));
         QCOMPARE(obrien.named.value(QStringLiteral("localita")), QStringLiteral("47121 Forlì FC"));
 
-        // The list runs on the same filter.
-        stampa(report, customers::LancioElenco(forms::CostruisciFiltro(QStringLiteral("Q_Clienti_Utenti"), {}, 0, p)), "elenco.pdf");
-        QCOMPARE(report.lastRowCount(), 9);
         QVERIFY(p.messages.isEmpty());
     }
 };
