@@ -279,6 +279,24 @@ QString caseBlindText(const char *ddl)
 
 } // namespace
 
+namespace {
+
+// Runs `work` under a savepoint, not a transaction (the caller may be inside
+// one): a failure leaves the file as it was and goes on to the caller.
+void sottoSavepoint(Database &db, const QString &nome, const std::function<void()> &work)
+{
+    db.executeScript(QStringLiteral("SAVEPOINT ") + nome);
+    try {
+        work();
+    } catch (const DbError &) {
+        db.executeScript(QStringLiteral("ROLLBACK TO %1; RELEASE %1").arg(nome));
+        throw;
+    }
+    db.executeScript(QStringLiteral("RELEASE ") + nome);
+}
+
+} // namespace
+
 void createWorkingTables(Database &db)
 {
     db.executeScript(caseBlindText(WorkingTables));
@@ -297,9 +315,7 @@ void upgradeRegister(Database &db)
     const bool plates = has("index", "Movimentazioni_TargaAnno");
     if (counts && plates)
         return;
-    // A savepoint, not a transaction: the caller may be inside one.
-    db.executeScript(QStringLiteral("SAVEPOINT registro"));
-    try {
+    sottoSavepoint(db, QStringLiteral("registro"), [&] {
         if (!counts) {
             db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS ConteggiMovimenti_Entra; DROP TRIGGER IF EXISTS ConteggiMovimenti_Esce;"
                                             "DROP TABLE IF EXISTS ConteggiMovimenti"));
@@ -309,11 +325,7 @@ void upgradeRegister(Database &db)
         if (!plates) // the year beside the plate: a search by plate finds the first row by the index alone
             db.executeScript(QStringLiteral("CREATE INDEX Movimentazioni_TargaAnno ON Movimentazioni (Targa, Anno);"
                                             "DROP INDEX IF EXISTS Movimentazioni_Targa"));
-    } catch (const DbError &) {
-        db.executeScript(QStringLiteral("ROLLBACK TO registro; RELEASE registro"));
-        throw;
-    }
-    db.executeScript(QStringLiteral("RELEASE registro"));
+    });
 }
 
 void upgradeCashBook(Database &db)
@@ -322,18 +334,12 @@ void upgradeCashBook(Database &db)
     db.executeScript(QStringLiteral("CREATE INDEX IF NOT EXISTS Cassa_Descrizione ON Cassa (Descrizione)"));
     if (db.scalar(QStringLiteral("select 1 from sqlite_master where type = 'trigger' and name = 'CassaGiorni_Cambia'")).isValid())
         return;
-    // A savepoint, not a transaction: the caller may be inside one.
-    db.executeScript(QStringLiteral("SAVEPOINT giorni"));
-    try {
+    sottoSavepoint(db, QStringLiteral("giorni"), [&] {
         db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS CassaGiorni_Entra; DROP TRIGGER IF EXISTS CassaGiorni_Esce;"
                                         "DROP TABLE IF EXISTS CassaGiorni"));
         db.executeScript(QLatin1String(CashBookDays));
         db.execute(QLatin1String(CashBookDaysFill));
-    } catch (const DbError &) {
-        db.executeScript(QStringLiteral("ROLLBACK TO giorni; RELEASE giorni"));
-        throw;
-    }
-    db.executeScript(QStringLiteral("RELEASE giorni"));
+    });
 }
 
 void upgradeRegistry(Database &db)

@@ -51,20 +51,25 @@ frmMain::Apertura unica()
     };
 }
 
+// Shows a record window inside the main window's area, at the size it asks for
+// within that area: nothing starts off screen.
+QWidget *mostraInterna(frmMain &main, QWidget *f)
+{
+    QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(f);
+    sotto->setAttribute(Qt::WA_DeleteOnClose);
+    sotto->resize(f->size().boundedTo(main.mdiArea()->viewport()->size()));
+    sotto->show();
+    return f;
+}
+
 // One record window per kind, inside the main window's area.
 template <typename Finestra>
 frmMain::Apertura unicaInterna()
 {
     return [](frmMain &main) -> QWidget * {
         static QPointer<Finestra> aperta;
-        if (!aperta) {
-            aperta = new Finestra(main.prompter());
-            QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(aperta);
-            sotto->setAttribute(Qt::WA_DeleteOnClose);
-            // The size the window asks for, within the main window's area: nothing starts off screen.
-            sotto->resize(aperta->size().boundedTo(main.mdiArea()->viewport()->size()));
-            sotto->show();
-        }
+        if (!aperta)
+            aperta = static_cast<Finestra *>(mostraInterna(main, new Finestra(main.prompter())));
         main.mdiArea()->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(aperta->parentWidget()));
         aperta->setFocus();
         return aperta;
@@ -86,11 +91,7 @@ frmMain::Apertura tabella(forms::ImpostazioneTabella (*impostazione)())
             MostraErrore(main.prompter(), e.message());
             return nullptr;
         }
-        QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(f);
-        sotto->setAttribute(Qt::WA_DeleteOnClose);
-        sotto->resize(f->size().boundedTo(main.mdiArea()->viewport()->size()));
-        sotto->show();
-        return f;
+        return mostraInterna(main, f);
     };
 }
 
@@ -98,18 +99,12 @@ frmMain::Apertura tabella(forms::ImpostazioneTabella (*impostazione)())
 frmMain::Apertura registro(customers::Modo modo)
 {
     return [modo](frmMain &main) -> QWidget * {
-        customers::frmClienti *f = nullptr;
         try {
-            f = new customers::frmClienti(main.prompter(), modo);
+            return mostraInterna(main, new customers::frmClienti(main.prompter(), modo));
         } catch (const store::DbError &e) {
             MostraErrore(main.prompter(), e.message());
             return nullptr;
         }
-        QMdiSubWindow *sotto = main.mdiArea()->addSubWindow(f);
-        sotto->setAttribute(Qt::WA_DeleteOnClose);
-        sotto->resize(f->size().boundedTo(main.mdiArea()->viewport()->size()));
-        sotto->show();
-        return f;
     };
 }
 
