@@ -185,6 +185,8 @@ private slots:
         QCOMPARE(mossa.last().first().toLongLong(), 2);
         QCOMPARE(m_finestra.caselle.value(QStringLiteral("Importo")).value<store::Currency>().toPlainText(), QStringLiteral("1.5"));
         QVERIFY(!m_m->pagineAbilitate());
+        m_m->bottoni(QStringLiteral("scheda")); // a key of the form's own goes to the form
+        QCOMPARE(m_finestra.proprie, QStringList{QStringLiteral("scheda")});
     }
 
     // The panels: find and print open the filters without the toolbar; a search with
