@@ -193,7 +193,9 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
         [this](store::Recordset &rs) { CompletaRigaCliente(rs, m_idCassa.toLongLong()); });
     m_ui->TDBGrid_0->setModel(m_cassa.get());
     m_ui->TDBGrid_0->setItemDelegate(new forms::EditoreCampi(m_ui->TDBGrid_0));
-    m_ui->TDBGrid_0->horizontalHeader()->setStretchLastSection(true);
+    // The description takes the room; the date column holds its box whole.
+    m_ui->TDBGrid_0->horizontalHeader()->setSectionResizeMode(m_cassa->colonna(QStringLiteral("Descrizione")), QHeaderView::Stretch);
+    m_ui->TDBGrid_0->setColumnWidth(m_cassa->colonna(QStringLiteral("Data")), frame::CasellaData().sizeHint().width());
 
     // The phone book shares the form's rows and moves the card, never during an edit.
     datPrimaryRS().impostaIntestazione(QStringLiteral("Cognome"), TestoLingua("M0179"));
@@ -218,7 +220,9 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
         const bool scrive = inScrittura();
         m_ui->CmdPag->setEnabled(scrive);
         m_ui->CmdCancella->setEnabled(scrive);
-        m_ui->TDBGrid_0->setEditTriggers(scrive ? QAbstractItemView::AllEditTriggers : QAbstractItemView::NoEditTriggers);
+        m_ui->TDBGrid_0->setEditTriggers(scrive ? QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed
+                                                      | QAbstractItemView::AnyKeyPressed
+                                                : QAbstractItemView::NoEditTriggers);
     });
     connect(m_ui->CmdPag, &QPushButton::clicked, this, &frmClienti::CmdPag);
     for (QLineEdit *numero : {m_ui->TxtT_6, m_ui->TxtT_7, m_ui->TxtT_8, m_ui->TxtT_9, m_ui->TxtT_10}) {
