@@ -221,57 +221,41 @@ private slots:
         QCOMPARE(frame::basedati().scalar(QStringLiteral("select Contabilizzato from Movimentazioni where Progressivo = 1")).toInt(), -1);
     }
 
-    // The table editor stays open across the work: afterwards it lists the file as it
-    // is and writes a cell into it.
-    void theTableEditorGoesOn_data() { lavori_data(); }
-    void theTableEditorGoesOn()
+    // The table editor and the registry window stay open side by side across the
+    // work: afterwards each shows the file as it is and writes into it.
+    void theEditingWindowsGoOn_data() { lavori_data(); }
+    void theEditingWindowsGoOn()
     {
         QFETCH(Lavoro, lavoro);
         store::Database &db = frame::basedati();
-        db.execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata) values ('2026-03-01 00:00:00', 'a', 1)"));
+        const auto riga = [&](const QString &nome) {
+            db.execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata) values ('2026-03-01 00:00:00', ?, 1)"), {nome});
+            db.execute(QStringLiteral("insert into Clienti (Cognome, Cliente) values (?, -1)"), {nome});
+        };
+        riga(QStringLiteral("Primo"));
         QVERIFY(backup());
-        db.execute(QStringLiteral("insert into Cassa (Data, Descrizione, Entrata) values ('2026-03-02 00:00:00', 'b', 2)"));
+        riga(QStringLiteral("Secondo"));
         forms::frmtabelle t(m_prompter);
         t.setAttribute(Qt::WA_DeleteOnClose, false);
         t.CaricaTextFormatGriglia(forms::ImpostazioneCassa());
-        QVERIFY(showActive(&t));
-        forms::RecordsetModel &m = t.datPrimaryRS();
-        QCOMPARE(m.rowCount(), 2);
-
-        QVERIFY(esegui(lavoro));
-        m_prompter.messages.clear(); // the work's own report
-        QCOMPARE(m.rowCount(), lavoro == Lavoro::Ripristino ? 1 : 2);
-        QVERIFY(m.setData(m.index(0, m.colonna(QStringLiteral("Descrizione"))), QStringLiteral("dopo")));
-        QCOMPARE(db.scalar(QStringLiteral("select Descrizione from Cassa order by Data limit 1")).toString(), QStringLiteral("dopo"));
-        QVERIFY(m_prompter.messages.isEmpty());
-    }
-
-    // The registry window stays open across the work: afterwards it shows the file
-    // as it is, and a card changed in it is written there.
-    void theRegistryGoesOn_data() { lavori_data(); }
-    void theRegistryGoesOn()
-    {
-        QFETCH(Lavoro, lavoro);
-        store::Database &db = frame::basedati();
-        const auto cliente = [&](const QString &cognome) {
-            db.execute(QStringLiteral("insert into Clienti (Cognome, Cliente) values (?, -1)"), {cognome});
-        };
-        cliente(QStringLiteral("Primo"));
-        QVERIFY(backup());
-        cliente(QStringLiteral("Secondo"));
         customers::frmClienti w(m_prompter, customers::Modo::Clienti);
         w.setAttribute(Qt::WA_DeleteOnClose, false);
-        QVERIFY(showActive(&w));
+        QVERIFY(showActive(&t) && showActive(&w));
+        forms::RecordsetModel &m = t.datPrimaryRS();
+        QCOMPARE(m.rowCount(), 2);
         QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), QStringLiteral("Secondo"));
 
         QVERIFY(esegui(lavoro));
         m_prompter.messages.clear(); // the work's own report
-        const QString atteso = lavoro == Lavoro::Ripristino ? QStringLiteral("Primo") : QStringLiteral("Secondo");
-        QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), atteso);
+        const QString ultimo = lavoro == Lavoro::Ripristino ? QStringLiteral("Primo") : QStringLiteral("Secondo");
+        QCOMPARE(m.rowCount(), lavoro == Lavoro::Ripristino ? 1 : 2);
+        QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), ultimo);
+        QVERIFY(m.setData(m.index(0, m.colonna(QStringLiteral("Descrizione"))), QStringLiteral("dopo")));
         w.bottoni(QStringLiteral("modifica"));
         w.findChild<QLineEdit *>(QStringLiteral("TxtT_1"))->setText(QStringLiteral("dopo"));
         w.bottoni(QStringLiteral("ok"));
-        QCOMPARE(db.scalar(QStringLiteral("select Nome from Clienti where Cognome = ?"), {atteso}).toString(), QStringLiteral("dopo"));
+        QCOMPARE(db.scalar(QStringLiteral("select group_concat(Descrizione) from Cassa where Descrizione = 'dopo'")).toString(), QStringLiteral("dopo"));
+        QCOMPARE(db.scalar(QStringLiteral("select Nome from Clienti where Cognome = ?"), {ultimo}).toString(), QStringLiteral("dopo"));
         QVERIFY(m_prompter.messages.isEmpty());
     }
 };
