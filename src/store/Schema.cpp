@@ -184,7 +184,7 @@ LEFT JOIN Autorizzazioni ON Autorizzazioni.id = Clienti.IdUtente;
 // The register's rows counted by year, state and block of 4096 ids, one row
 // for each (NULL years too), kept by triggers: the list counts a million movements and tells the place of one of
 // them by summing a few thousand of these rows, not by reading the register.
-const char *const RegisterCounts = R"SQL(
+const char *const RegisterCountsTable = R"SQL(
 CREATE TABLE ConteggiMovimenti (
   Anno TEXT(4),
   Entrato YESNO,
@@ -192,21 +192,16 @@ CREATE TABLE ConteggiMovimenti (
   Righe LONG
 );
 CREATE UNIQUE INDEX ConteggiMovimenti_Chiave ON ConteggiMovimenti (Anno, Entrato, Blocco);
-CREATE TRIGGER ConteggiMovimenti_Entra AFTER INSERT ON Movimentazioni BEGIN
-  UPDATE ConteggiMovimenti SET Righe = Righe + 1 WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096;
-  INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) SELECT NEW.Anno, NEW.Entrato, NEW.id / 4096, 1
-    WHERE NOT EXISTS (SELECT 1 FROM ConteggiMovimenti WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096);
-END;
-CREATE TRIGGER ConteggiMovimenti_Esce AFTER DELETE ON Movimentazioni BEGIN
-  UPDATE ConteggiMovimenti SET Righe = Righe - 1 WHERE Anno IS OLD.Anno AND Entrato IS OLD.Entrato AND Blocco = OLD.id / 4096;
-END;
-CREATE TRIGGER ConteggiMovimenti_Cambia AFTER UPDATE OF id, Anno, Entrato ON Movimentazioni
-WHEN OLD.id IS NOT NEW.id OR OLD.Anno IS NOT NEW.Anno OR OLD.Entrato IS NOT NEW.Entrato BEGIN
-  UPDATE ConteggiMovimenti SET Righe = Righe - 1 WHERE Anno IS OLD.Anno AND Entrato IS OLD.Entrato AND Blocco = OLD.id / 4096;
-  UPDATE ConteggiMovimenti SET Righe = Righe + 1 WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096;
-  INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) SELECT NEW.Anno, NEW.Entrato, NEW.id / 4096, 1
-    WHERE NOT EXISTS (SELECT 1 FROM ConteggiMovimenti WHERE Anno IS NEW.Anno AND Entrato IS NEW.Entrato AND Blocco = NEW.id / 4096);
-END;
+)SQL";
+
+// What a movement adds to its count and takes from it; %R is the row (NEW or OLD).
+const char *const RegisterCountsAdd = R"SQL(
+  UPDATE ConteggiMovimenti SET Righe = Righe + 1 WHERE Anno IS %R.Anno AND Entrato IS %R.Entrato AND Blocco = %R.id / 4096;
+  INSERT INTO ConteggiMovimenti (Anno, Entrato, Blocco, Righe) SELECT %R.Anno, %R.Entrato, %R.id / 4096, 1
+    WHERE NOT EXISTS (SELECT 1 FROM ConteggiMovimenti WHERE Anno IS %R.Anno AND Entrato IS %R.Entrato AND Blocco = %R.id / 4096);
+)SQL";
+const char *const RegisterCountsRemove = R"SQL(
+  UPDATE ConteggiMovimenti SET Righe = Righe - 1 WHERE Anno IS %R.Anno AND Entrato IS %R.Entrato AND Blocco = %R.id / 4096;
 )SQL";
 
 const char *const RegisterCountsFill =
@@ -217,7 +212,7 @@ const char *const RegisterCountsFill =
 // taken to the nearest one, so the day sums are exact integers), kept by
 // triggers: the balance of the whole book before a day sums a few hundred of
 // these rows instead of the book. Rows without a date stand under a null day.
-const char *const CashBookDays = R"SQL(
+const char *const CashBookDaysTable = R"SQL(
 CREATE TABLE CassaGiorni (
   Giorno TEXT(10),
   Entrate LONG,
@@ -225,28 +220,20 @@ CREATE TABLE CassaGiorni (
   Righe LONG
 );
 CREATE UNIQUE INDEX CassaGiorni_Giorno ON CassaGiorni (Giorno);
-CREATE TRIGGER CassaGiorni_Entra AFTER INSERT ON Cassa BEGIN
-  UPDATE CassaGiorni SET Entrate = Entrate + ifnull(round(NEW.Entrata * 10000), 0),
-    Uscite = Uscite + ifnull(round(NEW.Uscita * 10000), 0), Righe = Righe + 1 WHERE Giorno IS substr(NEW.Data, 1, 10);
+)SQL";
+
+// What a cash row adds to its day and takes from it; %R is the row (NEW or OLD).
+const char *const CashBookDaysAdd = R"SQL(
+  UPDATE CassaGiorni SET Entrate = Entrate + ifnull(round(%R.Entrata * 10000), 0),
+    Uscite = Uscite + ifnull(round(%R.Uscita * 10000), 0), Righe = Righe + 1 WHERE Giorno IS substr(%R.Data, 1, 10);
   INSERT INTO CassaGiorni (Giorno, Entrate, Uscite, Righe)
-    SELECT substr(NEW.Data, 1, 10), ifnull(round(NEW.Entrata * 10000), 0), ifnull(round(NEW.Uscita * 10000), 0), 1
-    WHERE NOT EXISTS (SELECT 1 FROM CassaGiorni WHERE Giorno IS substr(NEW.Data, 1, 10));
-END;
-CREATE TRIGGER CassaGiorni_Esce AFTER DELETE ON Cassa BEGIN
-  UPDATE CassaGiorni SET Entrate = Entrate - ifnull(round(OLD.Entrata * 10000), 0),
-    Uscite = Uscite - ifnull(round(OLD.Uscita * 10000), 0), Righe = Righe - 1 WHERE Giorno IS substr(OLD.Data, 1, 10);
-  DELETE FROM CassaGiorni WHERE Giorno IS substr(OLD.Data, 1, 10) AND Righe <= 0;
-END;
-CREATE TRIGGER CassaGiorni_Cambia AFTER UPDATE OF Data, Entrata, Uscita ON Cassa BEGIN
-  UPDATE CassaGiorni SET Entrate = Entrate - ifnull(round(OLD.Entrata * 10000), 0),
-    Uscite = Uscite - ifnull(round(OLD.Uscita * 10000), 0), Righe = Righe - 1 WHERE Giorno IS substr(OLD.Data, 1, 10);
-  DELETE FROM CassaGiorni WHERE Giorno IS substr(OLD.Data, 1, 10) AND Righe <= 0;
-  UPDATE CassaGiorni SET Entrate = Entrate + ifnull(round(NEW.Entrata * 10000), 0),
-    Uscite = Uscite + ifnull(round(NEW.Uscita * 10000), 0), Righe = Righe + 1 WHERE Giorno IS substr(NEW.Data, 1, 10);
-  INSERT INTO CassaGiorni (Giorno, Entrate, Uscite, Righe)
-    SELECT substr(NEW.Data, 1, 10), ifnull(round(NEW.Entrata * 10000), 0), ifnull(round(NEW.Uscita * 10000), 0), 1
-    WHERE NOT EXISTS (SELECT 1 FROM CassaGiorni WHERE Giorno IS substr(NEW.Data, 1, 10));
-END;
+    SELECT substr(%R.Data, 1, 10), ifnull(round(%R.Entrata * 10000), 0), ifnull(round(%R.Uscita * 10000), 0), 1
+    WHERE NOT EXISTS (SELECT 1 FROM CassaGiorni WHERE Giorno IS substr(%R.Data, 1, 10));
+)SQL";
+const char *const CashBookDaysRemove = R"SQL(
+  UPDATE CassaGiorni SET Entrate = Entrate - ifnull(round(%R.Entrata * 10000), 0),
+    Uscite = Uscite - ifnull(round(%R.Uscita * 10000), 0), Righe = Righe - 1 WHERE Giorno IS substr(%R.Data, 1, 10);
+  DELETE FROM CassaGiorni WHERE Giorno IS substr(%R.Data, 1, 10) AND Righe <= 0;
 )SQL";
 
 const char *const CashBookDaysFill =
@@ -270,16 +257,41 @@ CREATE INDEX backup_Data ON backup (Data);
 namespace {
 
 // Text compares blind to case, as users expect of names, plates and codes.
-QString caseBlindText(const char *ddl)
+QString caseBlindText(const QString &ddl)
 {
-    QString s = QString::fromUtf8(ddl);
+    QString s = ddl;
     static const QRegularExpression text(QStringLiteral("\\b(TEXT\\(\\d+\\)|MEMO)(?=[ ,\\n])"));
     return s.replace(text, QStringLiteral("\\1 COLLATE ") + QLatin1String(CaseBlindCollation));
 }
 
-} // namespace
+// A table of counts kept by three triggers on `source`: a row inserted adds
+// itself, a row deleted takes itself away, a row changed (in `changedOf`, when
+// `when` holds) does both. `add` and `remove` name the row as %R.
+QString keptCounts(const char *table, const char *prefix, const char *source, const char *changedOf, const char *when,
+                   const char *add, const char *remove)
+{
+    const auto of = [](const char *statements, const char *row) {
+        return QString::fromUtf8(statements).replace(QLatin1String("%R"), QLatin1String(row));
+    };
+    return QString::fromUtf8(table)
+           + QStringLiteral("CREATE TRIGGER %1_Entra AFTER INSERT ON %2 BEGIN%3END;\n"
+                            "CREATE TRIGGER %1_Esce AFTER DELETE ON %2 BEGIN%4END;\n"
+                            "CREATE TRIGGER %1_Cambia AFTER UPDATE OF %5 ON %2%6 BEGIN%4%3END;\n")
+                 .arg(QLatin1String(prefix), QLatin1String(source), of(add, "NEW"), of(remove, "OLD"), QLatin1String(changedOf),
+                      *when ? QStringLiteral("\nWHEN ") + QLatin1String(when) : QString());
+}
 
-namespace {
+QString registerCounts()
+{
+    return keptCounts(RegisterCountsTable, "ConteggiMovimenti", "Movimentazioni", "id, Anno, Entrato",
+                      "OLD.id IS NOT NEW.id OR OLD.Anno IS NOT NEW.Anno OR OLD.Entrato IS NOT NEW.Entrato", RegisterCountsAdd,
+                      RegisterCountsRemove);
+}
+
+QString cashBookDays()
+{
+    return keptCounts(CashBookDaysTable, "CassaGiorni", "Cassa", "Data, Entrata, Uscita", "", CashBookDaysAdd, CashBookDaysRemove);
+}
 
 // Runs `work` under a savepoint, not a transaction (the caller may be inside
 // one): a failure leaves the file as it was and goes on to the caller.
@@ -300,8 +312,8 @@ void sottoSavepoint(Database &db, const QString &nome, const std::function<void(
 void createWorkingTables(Database &db)
 {
     db.executeScript(caseBlindText(WorkingTables));
-    db.executeScript(caseBlindText(RegisterCounts));
-    db.executeScript(QLatin1String(CashBookDays));
+    db.executeScript(caseBlindText(registerCounts()));
+    db.executeScript(cashBookDays());
 }
 
 void upgradeRegister(Database &db)
@@ -319,7 +331,7 @@ void upgradeRegister(Database &db)
         if (!counts) {
             db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS ConteggiMovimenti_Entra; DROP TRIGGER IF EXISTS ConteggiMovimenti_Esce;"
                                             "DROP TABLE IF EXISTS ConteggiMovimenti"));
-            db.executeScript(caseBlindText(RegisterCounts));
+            db.executeScript(caseBlindText(registerCounts()));
             db.execute(QLatin1String(RegisterCountsFill));
         }
         if (!plates) // the year beside the plate: a search by plate finds the first row by the index alone
@@ -337,7 +349,7 @@ void upgradeCashBook(Database &db)
     sottoSavepoint(db, QStringLiteral("giorni"), [&] {
         db.executeScript(QStringLiteral("DROP TRIGGER IF EXISTS CassaGiorni_Entra; DROP TRIGGER IF EXISTS CassaGiorni_Esce;"
                                         "DROP TABLE IF EXISTS CassaGiorni"));
-        db.executeScript(QLatin1String(CashBookDays));
+        db.executeScript(cashBookDays());
         db.execute(QLatin1String(CashBookDaysFill));
     });
 }
