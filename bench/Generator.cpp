@@ -17,6 +17,25 @@
 
 namespace bench {
 
+namespace {
+
+// The letters of plates, less those plates leave out.
+const QString LettereTarga = QStringLiteral("ABCDEFGHJKLMNPRSTVWXYZ");
+
+// Two letters, three digits and two letters.
+QString targaCasuale(std::mt19937 &rng)
+{
+    QString targa;
+    for (int k = 0; k < 2; ++k)
+        targa += LettereTarga.at(rng() % LettereTarga.size());
+    targa += QString::number(100 + rng() % 900);
+    for (int k = 0; k < 2; ++k)
+        targa += LettereTarga.at(rng() % LettereTarga.size());
+    return targa;
+}
+
+} // namespace
+
 QString BasedatiGrande(const QString &argomento, int movimenti)
 {
     const QString nome = movimenti == 1000000 ? QStringLiteral("basedati.mdb")
@@ -63,7 +82,6 @@ void GeneraBasedati(const QString &path, const Volume &v)
         "insert into Movimentazioni (Anno, Progressivo, DataOra, DataOraOut, Targa, IdFascia, Note, NoteImporto, Importo, "
         "Entrato, Annullato, Contabilizzato, IdUtente, IdUtenteOut) values (?,?,?,?,?,?,?,?,?,?,?,?,?,?)"));
     const int perAnno = v.movimenti / v.anni;
-    const QString lettere = QStringLiteral("ABCDEFGHJKLMNPRSTVWXYZ");
     int scritti = 0;
     for (int a = 0; a < v.anni; ++a) {
         const int anno = v.ultimoAnno - v.anni + 1 + a;
@@ -80,12 +98,7 @@ void GeneraBasedati(const QString &path, const Volume &v)
             const bool annullato = rng() % 50 == 0;
             const bool contabilizzato = !inside && !annullato && (!corrente || i < quanti * 9 / 10);
             const bool dueStadi = rng() % 3 == 0;
-            QString targa;
-            for (int k = 0; k < 2; ++k)
-                targa += lettere.at(rng() % lettere.size());
-            targa += QString::number(100 + rng() % 900);
-            for (int k = 0; k < 2; ++k)
-                targa += lettere.at(rng() % lettere.size());
+            const QString targa = targaCasuale(rng);
             const qint64 importo = dueStadi ? 30000 + 15000 * std::max(0, (sosta - 60 + 29) / 30) : 20000 * ((sosta + 59) / 60);
             mov.bindAll({QString::number(anno), i + 1, dentro,
                          inside ? QVariant() : QVariant(dentro.addSecs(sosta * 60)), targa,
@@ -150,7 +163,6 @@ void GeneraClientiCassa(store::Database &db, const VolumeClienti &v)
     std::mt19937 rng(20260101);
     const QDate inizio(v.anno, 1, 1);
     const int giorni = inizio.daysInYear();
-    const QString lettere = QStringLiteral("ABCDEFGHJKLMNPRSTVWXYZ");
     const auto data = [&](int giorno, int ora) { return QDateTime(inizio.addDays(giorno), QTime(ora, 0)); };
     const auto forse = [&](int percentoNullo, const QVariant &valore) { return int(rng() % 100) < percentoNullo ? QVariant() : valore; };
 
@@ -163,17 +175,12 @@ void GeneraClientiCassa(store::Database &db, const VolumeClienti &v)
     qint64 primo = 0;
     for (int c = 0; c < v.clienti; ++c) {
         const bool forn = rng() % 10 < 3;
-        QString targa;
-        for (int k = 0; k < 2; ++k)
-            targa += lettere.at(rng() % lettere.size());
-        targa += QString::number(100 + rng() % 900);
-        for (int k = 0; k < 2; ++k)
-            targa += lettere.at(rng() % lettere.size());
+        const QString targa = targaCasuale(rng);
         const QString cognome = forn ? una(Ditte, rng) + QLatin1Char(' ') + una(Cognomi, rng) + QLatin1Char(' ') + una(Forme, rng)
                                      : una(Cognomi, rng);
         // Fees in steps of 5, some left empty or 0; suppliers pay none.
         const QVariant canone = forn ? QVariant() : forse(10, rng() % 20 == 0 ? 0.0 : 50.0 + 5 * (rng() % 21));
-        const QString posto = lettere.at(rng() % 6) + QStringLiteral("-%1").arg(rng() % 300, 3, 10, QLatin1Char('0'));
+        const QString posto = LettereTarga.at(rng() % 6) + QStringLiteral("-%1").arg(rng() % 300, 3, 10, QLatin1Char('0'));
         cli.bindAll({forn ? 0 : -1, cognome, forn ? QVariant() : QVariant(una(Nomi, rng)),
                      QStringLiteral("Via dell'Artigianato, %1").arg(1 + rng() % 200), una(Localita, rng),
                      QString::number(10000 + rng() % 89999), QStringLiteral("FC"), forse(20, una(Marche, rng)),

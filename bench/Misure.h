@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QString>
+#include <QTextStream>
 
 #include <algorithm>
 #include <vector>
@@ -29,6 +30,15 @@ double timed(F &&f)
     t.start();
     f();
     return t.nsecsElapsed() / 1e6;
+}
+
+// One line of a benchmark's report: the median and the 99th percentile of a
+// set of times, and whether the median meets the goal.
+inline void rigaTempi(QTextStream &out, const char *nome, const std::vector<double> &ms, double goal = 50)
+{
+    const Stats s = stats(ms);
+    out << "  " << nome << ": median " << s.median << " ms, p99 " << s.p99 << " ms"
+        << (s.median < goal ? QStringLiteral("  (goal met)\n") : QStringLiteral("  (over the %1 ms goal)\n").arg(goal));
 }
 
 // A memory figure of this process in megabytes: "VmRSS" (resident now) or "VmHWM" (peak).

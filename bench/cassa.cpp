@@ -60,15 +60,10 @@ int main(int argc, char **argv)
             t.commit();
         }
 
-        const auto riga = [&](const char *nome, const std::vector<double> &v) {
-            const bench::Stats s = bench::stats(v);
-            out << "  " << nome << ": median " << s.median << " ms, p99 " << s.p99 << " ms"
-                << (s.median < 50 ? "  (goal met)\n" : "  (over the 50 ms goal)\n");
-        };
-        riga("fee payment written", pagamento);
-        riga("sums of one customer", somme);
-        riga("balance before 1 July, one customer", saldoCliente);
-        riga("balance before 1 July, whole book", saldoLibro);
+        bench::rigaTempi(out, "fee payment written", pagamento);
+        bench::rigaTempi(out, "sums of one customer", somme);
+        bench::rigaTempi(out, "balance before 1 July, one customer", saldoCliente);
+        bench::rigaTempi(out, "balance before 1 July, whole book", saldoLibro);
         out << "  whole book before 1 July: receipts " << libro.entrate.toPlainText() << ", payments " << libro.uscite.toPlainText()
             << "\n";
         out << "RSS " << bench::memoriaMb("VmRSS") << " MB (peak " << bench::memoriaMb("VmHWM") << " MB)\n";

@@ -66,15 +66,11 @@ int main(int argc, char **argv)
             w->close();
             QCoreApplication::processEvents();
         }
-        const auto riga = [&](const char *nome, const std::vector<double> &v) {
-            out << "  " << nome << ": median " << bench::stats(v).median << " ms"
-                << (bench::stats(v).median < 50 ? "  (goal met)\n" : "  (over the 50 ms goal)\n");
-        };
-        riga("window opened, first screen", apre);
-        riga("letter strip click", lettera);
-        riga("F3 by a surname's beginning", veloce);
-        riga("move to another card", sposta);
-        riga("fee payment written", canone);
+        bench::rigaTempi(out, "window opened, first screen", apre);
+        bench::rigaTempi(out, "letter strip click", lettera);
+        bench::rigaTempi(out, "F3 by a surname's beginning", veloce);
+        bench::rigaTempi(out, "move to another card", sposta);
+        bench::rigaTempi(out, "fee payment written", canone);
         store::Connections::closeAll();
     } catch (const store::DbError &e) {
         out << "error: " << e.message() << Qt::endl;

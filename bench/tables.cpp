@@ -88,14 +88,10 @@ void misura(const forms::ImpostazioneTabella &imp, const QString &cerca, QTextSt
         t->close();
         QCoreApplication::processEvents();
     }
-    const auto riga = [&](const char *nome, const std::vector<double> &v) {
-        out << "  " << nome << ": median " << bench::stats(v).median << " ms"
-            << (bench::stats(v).median < 50 ? "  (goal met)\n" : "  (over the 50 ms goal)\n");
-    };
-    riga("first screen", primo);
-    riga("sort by a heading", ordina);
-    riga("one cell written", scrivi);
-    riga("find", trova);
+    bench::rigaTempi(out, "first screen", primo);
+    bench::rigaTempi(out, "sort by a heading", ordina);
+    bench::rigaTempi(out, "one cell written", scrivi);
+    bench::rigaTempi(out, "find", trova);
     out.flush();
 }
 
