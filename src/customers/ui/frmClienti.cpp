@@ -8,6 +8,7 @@
 #include "customers/StampeCliente.h"
 #include "forms/RecordsetModel.h"
 #include "forms/Tabelle.h"
+#include "forms/ui/Didascalie.h"
 #include "forms/ui/EditoreCampi.h"
 #include "forms/ui/LayoutGriglia.h"
 #include "frame/Language.h"
@@ -79,12 +80,10 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
     resize(1100, 720);
 
     // What a save writes by itself: the mode and the user, through two hidden boxes.
-    auto *cliente = new QCheckBox(dettaglio);
-    cliente->setObjectName(QStringLiteral("chkCliente"));
-    cliente->hide();
-    auto *utente = new QLineEdit(dettaglio);
-    utente->setObjectName(QStringLiteral("txtIdUtente"));
-    utente->hide();
+    m_cliente = new QCheckBox(dettaglio);
+    m_cliente->hide();
+    m_utente = new QLineEdit(dettaglio);
+    m_utente->hide();
 
     m_ui->Combo2->addItems(Titoli());
     m_ui->Combo2->setCurrentIndex(-1);
@@ -115,7 +114,7 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
         {m_ui->TxtT_17, "Marca", T::Testo},            {m_ui->TxtT_19, "VModello", T::Testo},
         {m_ui->TxtT_16, "Posto", T::Testo},            {m_ui->TxtN_0, "Canone", T::Numero},
         {m_ui->TxtD_1, "DataUltimoPagamento", T::Testo}, {m_ui->TxtD_3, "DataScadenzaAssic", T::Testo},
-        {cliente, "Cliente", T::Testo},                {utente, "IdUtente", T::Testo},
+        {m_cliente, "Cliente", T::Testo},              {m_utente, "IdUtente", T::Testo},
     };
     for (const auto &l : legami)
         lega(l.casella, QString::fromUtf8(l.campo), l.tipo);
@@ -205,10 +204,7 @@ frmClienti::frmClienti(frame::Prompter &prompter, Modo modo, QWidget *parent)
     m_ui->TDBGridRubrica->setEditTriggers(QAbstractItemView::NoEditTriggers);
     connect(m_ui->TDBGridRubrica->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex &i) { rubricaCambiata(i); });
-    connect(this, &forms::FormRecord::posizioneCambiata, this, [this](qint64 posizione) {
-        const QSignalBlocker fermo(m_ui->TDBGridRubrica->selectionModel());
-        m_ui->TDBGridRubrica->setCurrentIndex(m_ui->TDBGridRubrica->model()->index(int(posizione), 0));
-    });
+    connect(this, &forms::FormRecord::posizioneCambiata, this, &frmClienti::mostraInRubrica);
 
     for (int i = 0; i <= IndiceTutti; ++i)
         if (auto *b = dettaglio->findChild<QToolButton *>(QStringLiteral("ComElenco_%1").arg(i)))
@@ -276,13 +272,12 @@ void frmClienti::impostaDidascalie()
         {m_ui->lblPosto, "M0201"},    {m_ui->lblCanone, "M0205"},     {m_ui->lblUltimoPag, "M0206"},
         {m_ui->lblScadAssic, "M0207"}, {m_ui->CmdPag, "M0208"},       {m_ui->CmdCancella, "M0352"},
         {m_ui->CmdStampaDoc, "M0353"}, {m_ui->Label5, "M0211"},      {m_ui->lblTitolo, "CAP22"},
-        {m_ui->lblQualifica, "CAP23"}, {m_ui->lblUltimaModifica, "CAP24"},
+        {m_ui->lblQualifica, "CAP23"}, {m_ui->lblUltimaModifica, "CAP24"}, {m_ui->FrmSaldo, "M0193"},
+        {m_ui->FrmParcheggio, "CAP25"},
     };
     for (const auto &e : etichette)
-        e.controllo->setProperty("text", TestoLingua(e.chiave));
+        forms::ApplicaDidascalia(e.controllo, e.chiave);
     m_ui->lblTel_7->setText(TestoLingua("M0185") + QStringLiteral(" 2"));
-    m_ui->FrmSaldo->setTitle(TestoLingua("M0193"));
-    m_ui->FrmParcheggio->setTitle(TestoLingua("CAP25"));
     m_ui->SSTab1->setTabText(0, TestoLingua("M0198"));
     m_ui->SSTab1->setTabText(1, TestoLingua("M0355") + QStringLiteral("-") + TestoLingua("M0356"));
     if (QAction *a = pulsante(QStringLiteral("stampa")))
@@ -306,12 +301,12 @@ void frmClienti::impostaModo()
 void frmClienti::LeggeDati()
 {
     forms::FormRecord::LeggeDati();
-    const bool riga = rigaCorrente() && recordset().editMode() != store::Recordset::EditMode::AddNew;
-    m_ui->Label3->setText(riga ? recordset().value(QStringLiteral("Utente")).toString() : QString());
-    aggiornaLampade();
     seguiCassa();
+    m_ui->Label3->setText(m_idCassa.isValid() ? recordset().value(QStringLiteral("Utente")).toString() : QString());
+    aggiornaLampade();
 }
 
+// The cash tab follows the stored record shown; a new card has no rows yet.
 void frmClienti::seguiCassa()
 {
     const bool riga = rigaCorrente() && recordset().editMode() != store::Recordset::EditMode::AddNew;
@@ -350,8 +345,8 @@ bool frmClienti::convalida()
         m_ui->TxtT_21->setFocus();
         return false;
     }
-    findChild<QCheckBox *>(QStringLiteral("chkCliente"))->setChecked(m_modo == Modo::Clienti);
-    findChild<QLineEdit *>(QStringLiteral("txtIdUtente"))->setText(QString::number(pub().IdUtenteCorrente));
+    m_cliente->setChecked(m_modo == Modo::Clienti);
+    m_utente->setText(QString::number(pub().IdUtenteCorrente));
     return true;
 }
 
@@ -414,18 +409,21 @@ bool frmClienti::inScrittura()
 
 void frmClienti::rubricaCambiata(const QModelIndex &riga)
 {
-    if (!riga.isValid() || m_rubricaFerma)
+    if (!riga.isValid())
         return;
     if (inScrittura()) {
         // No other record while this one is being written.
         prompter().message(TestoLingua("M0005"), frame::Prompter::Icon::Critical);
-        m_rubricaFerma = true;
-        const qint64 qui = recordset().AbsolutePosition();
-        m_ui->TDBGridRubrica->setCurrentIndex(m_ui->TDBGridRubrica->model()->index(int(qui), 0));
-        m_rubricaFerma = false;
+        mostraInRubrica(recordset().AbsolutePosition());
         return;
     }
     vaiA(riga.row());
+}
+
+void frmClienti::mostraInRubrica(qint64 posizione)
+{
+    const QSignalBlocker fermo(m_ui->TDBGridRubrica->selectionModel());
+    m_ui->TDBGridRubrica->setCurrentIndex(m_ui->TDBGridRubrica->model()->index(int(posizione), 0));
 }
 
 void frmClienti::CmdPag()

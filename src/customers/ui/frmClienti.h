@@ -13,6 +13,9 @@ namespace forms {
 class RecordsetModel;
 }
 
+class QCheckBox;
+class QLineEdit;
+
 namespace customers {
 
 // The registry of customers or suppliers: the card with its parking block and
@@ -52,6 +55,8 @@ private:
     void seguiCassa();
     void aggiornaLampade();
     void rubricaCambiata(const QModelIndex &riga);
+    // Puts the phone book on a row without moving the card.
+    void mostraInRubrica(qint64 posizione);
     // The card is being added or changed.
     bool inScrittura();
 
@@ -61,7 +66,8 @@ private:
     int m_indiceLettera = IndiceTutti;
     std::unique_ptr<forms::RecordsetModel> m_cassa;
     QVariant m_idCassa; // the customer whose rows the cash tab shows
-    bool m_rubricaFerma = false;
+    QCheckBox *m_cliente; // hidden boxes: what a save writes by itself
+    QLineEdit *m_utente;
 };
 
 } // namespace customers
