@@ -8,6 +8,14 @@
 
 namespace bench {
 
+// Windows are drawn offscreen unless the caller chose a platform; call before
+// the application object is made.
+inline void SenzaSchermo()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 // The public state a benchmark runs the program's logic in: the program folder
 // beside the executable, English texts, the database at `path`, the fiscal year
 // 2026 and the user administrator.

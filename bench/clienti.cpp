@@ -20,8 +20,7 @@
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QApplication app(argc, argv);
     QTextStream out(stdout);
     out.setRealNumberPrecision(3);

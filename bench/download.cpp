@@ -6,6 +6,7 @@
 // resident memory the read added at its peak. Goal: at least 0.9 of the plain
 // read, under 50 MB of memory above the program's own.
 #include "Misure.h"
+#include "Programma.h"
 
 #include "upgrade/CNetGet.h"
 #include "upgrade/ui/frmDownload.h"
@@ -120,8 +121,7 @@ qint64 letturaQt(const QString &url, const QString &file)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QApplication app(argc, argv);
     const qint64 mb = argc > 1 ? QByteArray(argv[1]).toLongLong() : 100;
     const qint64 dimensione = mb * 1024 * 1024;

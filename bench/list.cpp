@@ -5,6 +5,7 @@
 // or on the million and ten million movements (bench::BasiDati).
 #include "Generator.h"
 #include "Misure.h"
+#include "Programma.h"
 
 #include "forms/RecordsetModel.h"
 #include "frame/PublicState.h"
@@ -145,8 +146,7 @@ bool misura(const QString &path, QTextStream &out)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QApplication app(argc, argv);
     QTextStream out(stdout);
     try {

@@ -22,8 +22,7 @@
 int main(int argc, char **argv)
 {
     // The graphs are drawn with Qt Charts, which needs a widget application; no screen is needed.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QApplication app(argc, argv);
     QTextStream out(stdout);
     const QString dir = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../bench-data"));

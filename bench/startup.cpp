@@ -3,6 +3,7 @@
 // the screen, with the working database of a million movements (written first
 // when PATH does not exist). Runs the program's own entry routine in a settings
 // home of its own, so the user's settings are never touched.
+#include "Programma.h"
 #include "Generator.h"
 
 #include "frame/Version.h"
@@ -51,8 +52,7 @@ int main(int argc, char **argv)
         bench::GeneraBasedati(path, bench::Volume{});
         sinceMain.restart();
     }
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", (home.path() + QStringLiteral("/.config")).toLocal8Bit());

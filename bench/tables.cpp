@@ -99,8 +99,7 @@ void misura(const forms::ImpostazioneTabella &imp, const QString &cerca, QTextSt
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    bench::SenzaSchermo();
     QApplication app(argc, argv);
     QTextStream out(stdout);
     out.setRealNumberPrecision(3);
