@@ -27,6 +27,7 @@ struct ConfigurazioneScheda {
     QString modelloStampa = QStringLiteral("Elenco"); // the list template of the print mode
     const char *chiaveTitoloStampa = "M0327";          // and its title
     QString modelloEtichette;                          // the labels template of the print mode; empty: no labels
+    bool elencoPersonalizzato = false;                 // the print mode offers the user's own list
     QList<const char *> domandeElimina = {"M0013", "M0047"}; // asked in turn before a delete, each must be OK
 };
 

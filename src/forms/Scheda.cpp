@@ -112,6 +112,7 @@ const QVector<Didascalia> &DidascalieScheda()
         {"ChkAuto", "M0149", "M0165"},
         {"CmdOkGrid", "M0143", "M0166"},
         {"CmdStampa", "M0142", "M0158"},
+        {"CmdCsv", "CAP66", "CAP65"},
         {"CmdFitriGrid", "M0150", "M0167"},
         {"CmdRefresh", "M0151", "M0168"},
         {"CmdAnnulla2", "M0144", "M0160"},

@@ -16,6 +16,8 @@
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
 #include "frame/widgets/CasellaData.h"
+#include "reports/runs/ElencoPersonalizzato.h"
+#include "reports/ui/frmStampa.h"
 #include "store/Database.h"
 #include "store/DbError.h"
 #include "store/Recordset.h"
@@ -46,6 +48,7 @@ forms::ConfigurazioneScheda configurazione()
     c.azioni = forms::ChiaviToolbar();
     c.azioni.removeAll(QStringLiteral("gestione"));
     c.modelloEtichette = QStringLiteral("Etichette");
+    c.elencoPersonalizzato = true;
     c.domandeElimina = {"M0006"}; // "Delete the record?": once, the card's rows in the cash book stay
     return c;
 }
@@ -462,6 +465,34 @@ void frmClienti::azionePropria(const QString &azione)
 {
     if (azione == QLatin1String("scheda") && rigaCorrente())
         m_report.esegui(LancioScheda(chiaveCorrente().toLongLong(), m_modo == Modo::Clienti));
+}
+
+void frmClienti::elencoPersonalizzato()
+{
+    if (!m_stampa) {
+        // The registry's fields in their order, under the list's captions where the list shows them.
+        QVector<std::pair<QString, QString>> campi;
+        const store::Recordset rs(frame::basedati(), QStringLiteral("select * from clienti where id =-1"));
+        for (const store::FieldInfo &f : rs.fields()) {
+            QString didascalia = f.name;
+            for (const auto &c : ColonneElenco)
+                if (f.name == QString::fromUtf8(c.campo))
+                    didascalia = TestoLingua(c.didascalia);
+            campi.append({f.name, didascalia});
+        }
+        m_stampa = new reports::frmStampa(campi, this);
+    }
+    m_stampa->exec();
+    const std::optional<forms::Filtro> filtro = filtroDelPannello();
+    if (!filtro)
+        return;
+    const auto lancio = reports::LancioElencoPersonalizzato(
+        forms::LancioFiltro(*filtro, QStringLiteral("ElencoPersonalizzato"), "M0327"), m_stampa->scelta());
+    if (!lancio) {
+        prompter().information(TestoLingua("M0010")); // no field chosen: nothing to print
+        return;
+    }
+    m_report.esegui(*lancio);
 }
 
 } // namespace customers

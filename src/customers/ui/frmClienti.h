@@ -16,6 +16,10 @@ class RecordsetModel;
 class QCheckBox;
 class QLineEdit;
 
+namespace reports {
+class frmStampa;
+}
+
 namespace customers {
 
 // The registry of customers or suppliers: the card with its parking block and
@@ -48,6 +52,8 @@ protected:
     bool verificaInterna(const QString &azione) override;
     void keyPressEvent(QKeyEvent *event) override;
     void azionePropria(const QString &azione) override;
+    // The print panel's custom list: the fields chosen in frmStampa, over the panel's filter.
+    void elencoPersonalizzato() override;
 
 private:
     void impostaDidascalie();
@@ -68,6 +74,7 @@ private:
     QVariant m_idCassa; // the customer whose rows the cash tab shows
     QCheckBox *m_cliente; // hidden boxes: what a save writes by itself
     QLineEdit *m_utente;
+    reports::frmStampa *m_stampa = nullptr; // kept hidden between prints: the choices stay
 };
 
 } // namespace customers

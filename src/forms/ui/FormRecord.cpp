@@ -36,6 +36,9 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include <functional>
+#include <utility>
+
 namespace forms {
 
 using frame::MostraStato;
@@ -138,7 +141,9 @@ FormRecord::FormRecord(frame::Prompter &prompter, ConfigurazioneScheda configura
 
     connect(m_filtri, &PannelloFiltro::esegui, this, &FormRecord::Command6);
     connect(m_filtri, &PannelloFiltro::chiudi, this, &FormRecord::Command5);
-    m_filtri->impostaEtichette(!m_macchina->configurazione().modelloEtichette.isEmpty());
+    m_filtri->impostaStampeAggiunte(!m_macchina->configurazione().modelloEtichette.isEmpty(),
+                                    m_macchina->configurazione().elencoPersonalizzato);
+    connect(m_filtri, &PannelloFiltro::personalizzato, this, [this] { elencoPersonalizzato(); });
     connect(m_filtri, &PannelloFiltro::etichette, this, [this] { stampaFiltro(m_macchina->configurazione().modelloEtichette); });
     connect(m_filtri, &PannelloFiltro::elencoPrecedente, this, &FormRecord::CmdElencoPrec);
     MacchinaScheda *m = m_macchina.get();
@@ -227,23 +232,20 @@ QWidget *FormRecord::creaPannelloElenco()
     comandi->addWidget(m_chkOrdinamento);
     comandi->addWidget(label2);
     comandi->addStretch(1);
-    const struct {
-        const char *nome;
-        void (FormRecord::*azione)();
-    } bottoni[] = {
-        {"CmdOkGrid", &FormRecord::PosizionaRecord}, {"CmdFitriGrid", &FormRecord::CmdFitriGrid},
-        {"CmdRefresh", &FormRecord::CmdRefresh},     {"CmdStampa", nullptr},
-        {"CmdAnnulla2", &FormRecord::Command5},
+    const std::pair<const char *, std::function<void()>> bottoni[] = {
+        {"CmdOkGrid", [this] { PosizionaRecord(); }},
+        {"CmdFitriGrid", [this] { CmdFitriGrid(); }},
+        {"CmdRefresh", [this] { CmdRefresh(); }},
+        {"CmdStampa", [this] { AnteprimaGriglia(*m_griglia, windowTitle(), this); }},
+        {"CmdCsv", [this] { CsvGriglia(*m_griglia, windowTitle(), this); }},
+        {"CmdAnnulla2", [this] { Command5(); }},
     };
-    for (const auto &b : bottoni) {
+    for (const auto &[nome, azione] : bottoni) {
         auto *p = new QPushButton(strip);
-        p->setObjectName(QLatin1String(b.nome));
+        p->setObjectName(QLatin1String(nome));
         p->setAutoDefault(false);
         comandi->addWidget(p);
-        if (b.azione)
-            connect(p, &QPushButton::clicked, this, b.azione);
-        else
-            connect(p, &QPushButton::clicked, this, [this] { AnteprimaGriglia(*m_griglia, windowTitle(), this); }); // CmdStampa
+        connect(p, &QPushButton::clicked, this, azione);
     }
     const auto riordina = [this] {
         const int c = m_cmbOrdinamento->currentData().toInt();

@@ -117,6 +117,10 @@ protected:
     // The quick-search key (F1) and the new-entry key (F5), on windows that have them.
     virtual void tastoF1() {}
     virtual void tastoF5() {}
+    // The print panel's custom list, on windows that offer it.
+    virtual void elencoPersonalizzato() {}
+    // The filter panel's boxes built into a filter; a box refused takes the focus.
+    std::optional<Filtro> filtroDelPannello();
 
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -128,8 +132,6 @@ protected:
 
 private:
     void creaToolbar();
-    // The filter panel's boxes built into a filter; a box refused takes the focus.
-    std::optional<Filtro> filtroDelPannello();
     void stampaFiltro(const QString &modello);
     QWidget *creaPannelloElenco();
     void mostraStato();

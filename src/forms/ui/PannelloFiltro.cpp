@@ -40,7 +40,8 @@ QString nomeCasella(TipoCasella tipo, bool al, int indice)
 
 PannelloFiltro::PannelloFiltro(QWidget *parent)
     : QWidget(parent), m_intestazione(new QLabel(this)), m_combo1(new QComboBox(this)), m_griglia(nullptr),
-      m_chkAuto(new QCheckBox(this)), m_modoBottone(new QPushButton(this)), m_etichette(new QPushButton(this))
+      m_chkAuto(new QCheckBox(this)), m_modoBottone(new QPushButton(this)), m_etichette(new QPushButton(this)),
+      m_personalizzato(new QPushButton(this))
 {
     setObjectName(QStringLiteral("PicRic"));
     m_intestazione->setObjectName(QStringLiteral("IntestazioneRicerca"));
@@ -75,6 +76,12 @@ PannelloFiltro::PannelloFiltro(QWidget *parent)
         if (frame::CasellaTesto::confermaTutte(this))
             emit etichette();
     });
+    m_personalizzato->setObjectName(QStringLiteral("CmdPersonalizzato"));
+    m_personalizzato->setAutoDefault(false);
+    connect(m_personalizzato, &QPushButton::clicked, this, [this] {
+        if (frame::CasellaTesto::confermaTutte(this))
+            emit personalizzato();
+    });
     connect(elencoPrec, &QPushButton::clicked, this, &PannelloFiltro::elencoPrecedente);
     // The mode button switches between finding and printing with the same filters.
     connect(m_modoBottone, &QPushButton::clicked, this,
@@ -99,6 +106,7 @@ PannelloFiltro::PannelloFiltro(QWidget *parent)
     comandi->addWidget(elencoPrec);
     comandi->addWidget(command6);
     comandi->addWidget(m_etichette);
+    comandi->addWidget(m_personalizzato);
     comandi->addWidget(command5);
 
     auto *layout = new QVBoxLayout(this);
@@ -189,6 +197,7 @@ void PannelloFiltro::impostaModo(Modo modo)
     m_intestazione->setText(stampa ? QStringLiteral("Filtri per Stampa") : QStringLiteral("Filtri per Ricerca"));
     m_chkAuto->setVisible(!stampa);
     m_etichette->setVisible(stampa && m_conEtichette);
+    m_personalizzato->setVisible(stampa && m_conPersonalizzato);
     m_modoBottone->setChecked(stampa);
     // The first pair of keys serves the print mode, the second the search mode.
     int n = 0;
@@ -200,10 +209,12 @@ void PannelloFiltro::impostaModo(Modo modo)
     }
 }
 
-void PannelloFiltro::impostaEtichette(bool conEtichette)
+void PannelloFiltro::impostaStampeAggiunte(bool conEtichette, bool conPersonalizzato)
 {
     m_conEtichette = conEtichette;
-    m_etichette->setText(frame::TestoLingua("CAP26")); // "Labels"
+    m_conPersonalizzato = conPersonalizzato;
+    m_etichette->setText(frame::TestoLingua("CAP26"));       // "Labels"
+    m_personalizzato->setText(frame::TestoLingua("CAP69"));  // "Custom list..."
     impostaModo(m_modo);
 }
 

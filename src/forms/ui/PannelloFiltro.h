@@ -45,14 +45,16 @@ public:
     // The box of entry `indice` (the upper one of a date or number with `limiteAl`).
     QLineEdit *casella(int indice, bool limiteAl = false) const;
     void impostaDidascalie();
-    // The form prints labels too: a button beside the print one, in the print mode.
-    void impostaEtichette(bool conEtichette);
+    // The form prints labels, or a list of the user's own, too: a button for
+    // each beside the print one, in the print mode.
+    void impostaStampeAggiunte(bool conEtichette, bool conPersonalizzato);
 
 signals:
     void esegui();           // Command6: run the builder in the panel's mode
     void chiudi();           // Command5: leave the panel
     void elencoPrecedente(); // CmdElencoPrec: the last list, without a new search
     void etichette();        // CmdEtichette: the labels of the filtered records
+    void personalizzato();   // CmdPersonalizzato: the user's own list of the filtered records
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -64,7 +66,9 @@ private:
     QCheckBox *m_chkAuto;
     QPushButton *m_modoBottone;
     QPushButton *m_etichette;
+    QPushButton *m_personalizzato;
     bool m_conEtichette = false;
+    bool m_conPersonalizzato = false;
     Modo m_modo = Modo::Ricerca;
     QVector<CasellaFiltro> m_catalogo;
     QVector<QLineEdit *> m_dal; // the text box, or the lower bound

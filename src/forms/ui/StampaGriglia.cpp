@@ -2,9 +2,15 @@
 #include "forms/ui/StampaGriglia.h"
 
 #include "forms/RecordsetModel.h"
+#include "frame/Csv.h"
+#include "frame/FileError.h"
 #include "frame/Routines.h"
+#include "frame/widgets/Esportazioni.h"
 
 #include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QPdfWriter>
 #include <QHeaderView>
 #include <QPainter>
 #include <QPrintPreviewDialog>
@@ -152,18 +158,54 @@ int StampaGriglia::stampa(QPagedPaintDevice &dispositivo) const
     return pagine;
 }
 
+QString StampaGriglia::scriviPdf(const QString &path) const
+{
+    // The writer itself fails in silence: try the file first.
+    if (QFile f(path); !f.open(QIODevice::WriteOnly))
+        return QStringLiteral("The file %1 can't be written: %2").arg(QFileInfo(path).absoluteFilePath(), f.errorString());
+    QPdfWriter pdf(path);
+    pdf.setTitle(m_titolo);
+    pdf.setResolution(600);
+    pdf.setPageOrientation(orientamento(pdf));
+    stampa(pdf);
+    return QString();
+}
+
+QString StampaGriglia::scriviCsv(const QString &path) const
+{
+    try {
+        frame::ScriviCsv(path, m_intestazioni, righe(), [this](qsizetype r) { return riga(int(r)); });
+        return QString();
+    } catch (const frame::FileError &e) {
+        return e.message();
+    }
+}
+
+QPageLayout::Orientation StampaGriglia::orientamento(QPagedPaintDevice &dispositivo) const
+{
+    // A list wider than a portrait page goes across the sheet.
+    return larghezzaSchermo() > dispositivo.pageLayout().paintRect(QPageLayout::Inch).width() * ScreenDpi ? QPageLayout::Landscape
+                                                                                                           : QPageLayout::Portrait;
+}
+
 void AnteprimaGriglia(QTableView &griglia, const QString &titolo, QWidget *parent)
 {
     const StampaGriglia stampa(griglia, titolo);
     QPrinter stampante(QPrinter::HighResolution);
     stampante.setDocName(titolo);
-    // A list wider than a portrait page goes across the sheet.
-    if (stampa.larghezzaSchermo() > stampante.pageLayout().paintRect(QPageLayout::Inch).width() * ScreenDpi)
-        stampante.setPageOrientation(QPageLayout::Landscape);
+    stampante.setPageOrientation(stampa.orientamento(stampante));
     QPrintPreviewDialog anteprima(&stampante, parent);
     anteprima.setWindowTitle(titolo);
     QObject::connect(&anteprima, &QPrintPreviewDialog::paintRequested, &anteprima, [&stampa](QPrinter *p) { stampa.stampa(*p); });
+    frame::AggiungeEsportazioni(
+        anteprima, titolo, [&stampa](const QString &path) { return stampa.scriviPdf(path); },
+        [&stampa](const QString &path) { return stampa.scriviCsv(path); });
     anteprima.exec();
+}
+
+void CsvGriglia(QTableView &griglia, const QString &titolo, QWidget *parent)
+{
+    frame::SalvaCsv(parent, titolo, [&griglia, &titolo](const QString &path) { return StampaGriglia(griglia, titolo).scriviCsv(path); });
 }
 
 } // namespace forms

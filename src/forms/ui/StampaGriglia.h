@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
+#include <QPageLayout>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -28,6 +29,13 @@ public:
     int righePerPagina(QPagedPaintDevice &dispositivo) const;
     // Draws every page; gives the number of pages.
     int stampa(QPagedPaintDevice &dispositivo) const;
+    // The list as a PDF file, or as a CSV file of its captions and texts: the
+    // text of the failure, empty when written.
+    QString scriviPdf(const QString &path) const;
+    QString scriviCsv(const QString &path) const;
+
+    // Across the sheet when the list is wider than a portrait page of `dispositivo`.
+    QPageLayout::Orientation orientamento(QPagedPaintDevice &dispositivo) const;
 
 private:
     QTableView &m_griglia;
@@ -36,7 +44,9 @@ private:
     QStringList m_intestazioni;
 };
 
-// Opens the print preview of the list; paper or PDF from there.
+// Opens the print preview of the list; paper, PDF or CSV from there.
 void AnteprimaGriglia(QTableView &griglia, const QString &titolo, QWidget *parent);
+// Asks for a file and saves the list there as CSV.
+void CsvGriglia(QTableView &griglia, const QString &titolo, QWidget *parent);
 
 } // namespace forms

@@ -8,6 +8,7 @@
 
 #include "forms/ui/frmtabelle.h"
 #include "parking/ui/frmPark.h"
+#include "reports/ui/StampeMenu.h"
 #include "reports/ui/frmStampaCassa.h"
 #include "reports/ui/frmStampaPark.h"
 
@@ -118,6 +119,10 @@ void RegistraFinestre(frmMain &main)
     main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());
     main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
+    for (const auto &[item, codice] : {std::pair{331, "C"}, {341, "F"}, {351, "CC"}, {361, "CA"}})
+        main.RegistraFinestra(item, [codice](frmMain &m) -> QWidget * {
+            return reports::StampeMenu::di(m.prompter(), &m).stampa(QLatin1String(codice));
+        });
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include "reports/engine/ReportRun.h"
 #include "reports/engine/ReportTemplate.h"
 
+#include "frame/Csv.h"
+#include "frame/FileError.h"
 #include "frame/Language.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
@@ -78,6 +80,10 @@ bool CrystalReport::esegui(const Lancio &l)
     setConnect(QStringLiteral(";pwd=") + frame::pub().CodaConnessione);
     setDataFiles(0, frame::pub().Pathdata);
     setSelectionFormula(l.selezione);
+    if (l.svuota) {
+        d->formulas.clear();
+        d->sortFields.clear();
+    }
     for (auto it = l.formule.cbegin(); it != l.formule.cend(); ++it)
         setFormulas(it.key(), it.value());
     for (auto it = l.ordinamenti.cbegin(); it != l.ordinamenti.cend(); ++it)
@@ -90,6 +96,21 @@ bool CrystalReport::esegui(const Lancio &l)
     setDestination(l.destinazione);
     setDiscardSavedData(true);
     return setAction(1);
+}
+
+QString PagineReport::writeCsv(const QString &path) const
+{
+    try {
+        const ReportRun::Tabella t = m_run->tabella();
+        frame::ScriviCsv(path, t.intestazioni, qsizetype(t.righe.size()), [&t](qsizetype i) { return t.righe[size_t(i)]; });
+        return QString();
+    } catch (const RunError &e) {
+        return e.message();
+    } catch (const frame::FileError &e) {
+        return e.message();
+    } catch (const FormulaError &e) {
+        return e.messaggio();
+    }
 }
 
 PagineReport::PagineReport(std::shared_ptr<ReportRun> run, QString titolo) : m_run(std::move(run)), m_titolo(std::move(titolo)) {}

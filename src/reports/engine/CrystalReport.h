@@ -31,6 +31,8 @@ public:
     void paint(QPainter &painter, QPagedPaintDevice &device) const;
     // Writes the pages as a PDF file; the text of the failure, empty when written.
     QString writePdf(const QString &path) const;
+    // Writes the detail rows as a CSV file, headed by the columns' captions; the text of the failure, empty when written.
+    QString writeCsv(const QString &path) const;
 
 private:
     std::shared_ptr<engine::ReportRun> m_run;

@@ -166,6 +166,8 @@ void ReportRun::walk(QPainter *painter, QList<LaidOutSection> *keep)
         accumulate(row);
         for (int s : m_details)
             place(m_sections.at(s), row);
+        if (m_tabella)
+            rigaTabella(row);
     }
     const Row last(*this, n ? m_order.back() : -1);
     if (n)

@@ -79,6 +79,15 @@ public:
     // `keep` receives the texts of every section when given.
     void paint(QPainter &painter, QPagedPaintDevice &device, QList<LaidOutSection> *keep);
 
+    // The detail rows as a table, for a spreadsheet: one column for each field of
+    // the detail, headed by the text drawn above it in the page or group header,
+    // and one row for each detail printed, with the texts as printed.
+    struct Tabella {
+        QStringList intestazioni;
+        std::vector<QStringList> righe;
+    };
+    Tabella tabella();
+
     int rowCount() const { return int(m_order.size()); }
     int pageCount() const { return m_pages; }
     QPageLayout pageLayout() const;
@@ -182,6 +191,7 @@ private:
     void closeGraphs(int scope);
     double mm(double v) const { return v * m_dotsPerMm; }
     QString itemText(const CItem &ci, const Row &row) const;
+    void rigaTabella(const Row &row);
 
     tpl::Template m_t;
     QVector<Table> m_tables;                  // the source, its joins, then the lookups
@@ -223,6 +233,8 @@ private:
     int m_page = 0, m_pages = 0, m_recordNumber = 0;
     QDate m_printDate;
     QVector<int> m_groupInstance;
+    Tabella *m_tabella = nullptr;             // rows gathered by tabella()
+    QVector<std::pair<int, int>> m_colonne;   // its columns: (section, item)
 };
 
 // One row as the formulas read it: the run's fields, formulas and variables.

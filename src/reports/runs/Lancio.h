@@ -25,6 +25,7 @@ struct Lancio {
     int statoFinestra = 0;           // 2: maximised
     double zoom = 0;                 // the preview's zoom; 0 leaves the window's own fit
     int destinazione = ToWindow;
+    bool svuota = false;             // the formulas and sort fields left by earlier runs are emptied first
 
     // The label formulas "name='text'" from language keys, from index `da` on.
     void etichette(int da, std::initializer_list<std::pair<const char *, const char *>> nomiChiavi);

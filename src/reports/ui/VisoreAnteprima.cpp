@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "reports/ui/VisoreAnteprima.h"
 
-#include "frame/Language.h"
+#include "frame/widgets/Esportazioni.h"
 
-#include <QAction>
-#include <QFileDialog>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QScreen>
-#include <QToolBar>
 
 namespace reports {
 
@@ -37,21 +33,9 @@ void VisoreAnteprima::mostra(std::shared_ptr<const PagineReport> pagine, int sta
         QPainter painter(p);
         pagine->paint(painter, *p);
     });
-    if (auto *bar = dialog->findChild<QToolBar *>()) {
-        bar->addSeparator();
-        QAction *pdf = bar->addAction(QStringLiteral("PDF"));
-        pdf->setToolTip(frame::TestoLingua("CAP13")); // "Save as a PDF file"
-        pdf->setObjectName(QStringLiteral("savePdf"));
-        // The window tells its own failures: the form that asked for it may be gone.
-        QObject::connect(pdf, &QAction::triggered, dialog, [pagine, dialog, title] {
-            const QString path = QFileDialog::getSaveFileName(dialog, frame::TestoLingua("CAP13"), title + QStringLiteral(".pdf"),
-                                                              QStringLiteral("PDF (*.pdf)"));
-            if (path.isEmpty())
-                return;
-            if (const QString errore = pagine->writePdf(path); !errore.isEmpty())
-                QMessageBox::warning(dialog, title, errore);
-        });
-    }
+    frame::AggiungeEsportazioni(
+        *dialog, title, [pagine](const QString &path) { return pagine->writePdf(path); },
+        [pagine](const QString &path) { return pagine->writeCsv(path); });
     if (zoom > 0) {
         if (auto *pagineWidget = dialog->findChild<QPrintPreviewWidget *>()) {
             pagineWidget->setZoomMode(QPrintPreviewWidget::CustomZoom);
