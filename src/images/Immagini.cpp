@@ -63,12 +63,12 @@ FileImmagine CaricaFileImmagine(const QString &percorso)
     // Decoding needs width x height x 4 bytes: the limit stops a forged header too.
     lettore.setAllocationLimit(int(MassimoPixel * 4 / (1024 * 1024)) + 1);
     const QSize dim = lettore.size();
-    if (dim.isValid() && qint64(dim.width()) * dim.height() > MassimoPixel)
-        return {QImage(), frame::TestoLingua("CAP48") // "%1" is too large for a logo: %2 x %3 pixels, at most %4 million
-                              .arg(nome)
-                              .arg(dim.width())
-                              .arg(dim.height())
-                              .arg(MassimoPixel / 1'000'000)};
+    if (dim.isValid() && qint64(dim.width()) * dim.height() > MassimoPixel) {
+        // CAP48: "%1" is too large for a logo: %2 x %3 pixels, at most %4 million pixels.
+        return {QImage(), frame::TestoLingua("CAP48").arg(nome, QString::number(dim.width()),
+                                                          QString::number(dim.height()),
+                                                          QString::number(MassimoPixel / 1'000'000))};
+    }
     QImage immagine = lettore.read();
     if (immagine.isNull())
         return {QImage(), frame::TestoLingua("CAP46").arg(nome)}; // "%1" can't be read as an image
@@ -79,7 +79,8 @@ std::optional<QRect> RettangoloTaglio(int sinistra, int alto, int destra, int ba
 {
     if (sinistra < 0 || alto < 0 || destra < 0 || basso < 0)
         return std::nullopt;
-    return QRect(std::min(sinistra, destra), std::min(alto, basso), std::abs(destra - sinistra), std::abs(basso - alto));
+    return QRect(std::min(sinistra, destra), std::min(alto, basso), std::abs(destra - sinistra),
+                 std::abs(basso - alto));
 }
 
 QImage Ritaglia(const QImage &immagine, const QRect &rettangolo)

@@ -95,7 +95,9 @@ private:
     // The margin absorbs the rounding of a zoom like 1.1, so that 66 / 1.1 is pixel 60.
     QPoint inImmagine(QPointF posizione) const
     {
-        const auto pixel = [this](double v, int limite) { return qBound(0, int(std::floor(v / m_zoom + 1e-6)), limite); };
+        const auto pixel = [this](double v, int limite) {
+            return qBound(0, int(std::floor(v / m_zoom + 1e-6)), limite);
+        };
         return QPoint(pixel(posizione.x(), m_immagine.width()), pixel(posizione.y(), m_immagine.height()));
     }
     void segnaAngolo(QPointF posizione)
@@ -247,7 +249,8 @@ void RiquadroLogo::acquisisciScanner()
                 voci << QStringLiteral("%1 (%2)").arg(d.descrizione, d.nome);
             }
             bool ok = false;
-            const QString voce = QInputDialog::getItem(this, TestoLingua("CAP40"), QString(), voci, corrente, false, &ok);
+            const QString voce =
+                QInputDialog::getItem(this, TestoLingua("CAP40"), QString(), voci, corrente, false, &ok);
             scelto = ok ? elenco.at(voci.indexOf(voce)).nome : QString();
         }
         esito = scelto.isEmpty() ? Scanner::Esito::Annullato : scanner.acquisisci(scelto, scansione);
