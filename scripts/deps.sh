@@ -3,7 +3,7 @@
 # Installs the Debian packages Veltano needs to build, test and run, if any is missing.
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-charts-dev qt6-translations-l10n libqt6opengl6-dev
-      libsqlcipher-dev sqlcipher zlib1g-dev libsane-dev libbenchmark-dev
+      libsqlcipher-dev sqlcipher zlib1g-dev libsane-dev libsane1 libbenchmark-dev
       fonts-dejavu-core ca-certificates xvfb xauth)
 missing=()
 for p in "${pkgs[@]}"; do
