@@ -45,7 +45,9 @@ QString SorgenteUtenti()
 QStringList AzioniUtenti(bool amministratore)
 {
     QStringList azioni = forms::ChiaviToolbar();
-    azioni.removeAll(QStringLiteral("gestione"));
+    // No operation panel, no card to print, nothing of its own to refresh.
+    for (const char *k : {"gestione", "scheda", "refresh"})
+        azioni.removeAll(QLatin1String(k));
     if (!amministratore)
         for (const char *k : {"stampa", "trova", "aggiungi", "elimina"})
             azioni.removeAll(QLatin1String(k));
@@ -213,8 +215,12 @@ QVariant ModelloAccessi::data(const QModelIndex &index, int role) const
     const QString c = campo(index);
     const QVariant valore = QIdentityProxyModel::data(index, forms::RecordsetModel::RuoloValore);
     const bool testo = role == Qt::DisplayRole || role == Qt::ToolTipRole;
-    if (c == QLatin1String("Item") && testo)
-        return m_etichette.value(valore.toInt(), valore.toString());
+    if (c == QLatin1String("Item")) {
+        if (testo)
+            return m_etichette.value(valore.toInt(), valore.toString());
+        if (role == Qt::TextAlignmentRole)
+            return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    }
     if (c == QLatin1String("Autorizzazione")) {
         if (role == Qt::EditRole)
             return valore.toString();

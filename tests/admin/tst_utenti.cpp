@@ -274,6 +274,8 @@ private slots:
         QCOMPARE(w.didascaliaRecord(), QStringLiteral("Reg. 1"));
         for (const char *k : {"aggiungi", "modifica", "elimina", "trova", "stampa"})
             QVERIFY2(w.pulsante(QLatin1String(k))->isVisible(), k);
+        for (const char *k : {"scheda", "refresh", "gestione"})
+            QVERIFY2(!w.pulsante(QLatin1String(k))->isVisible(), k);
         // The rights grid shows the user's rows, completed, by label and words.
         QCOMPARE(w.Data1().rowCount(), 16);
         QCOMPARE(w.Data1().index(0, 0).data().toString(), admin::EtichetteItem().value(101));

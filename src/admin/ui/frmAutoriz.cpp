@@ -74,7 +74,7 @@ frmAutoriz::frmAutoriz(frame::Prompter &prompter, QWidget *parent)
     auto *dettaglio = new QWidget(this);
     m_ui->setupUi(dettaglio);
     impostaDettaglio(dettaglio, {m_ui->PicTab_0});
-    resize(860, 560);
+    resize(940, 580);
 
     lega(m_ui->TxtT_0, QStringLiteral("Utente"), forms::TipoCasellaScheda::Testo);
     lega(m_ui->TxtT_1, QStringLiteral("Password"), forms::TipoCasellaScheda::Testo);
@@ -116,11 +116,9 @@ frmAutoriz::frmAutoriz(frame::Prompter &prompter, QWidget *parent)
     griglia->verticalHeader()->hide();
     griglia->verticalHeader()->setDefaultSectionSize(griglia->fontMetrics().height() + 8);
     QHeaderView *testata = griglia->horizontalHeader();
-    testata->setSectionResizeMode(0, QHeaderView::Stretch);
-    testata->setSectionResizeMode(1, QHeaderView::Interactive);
-    griglia->setColumnWidth(1, griglia->fontMetrics().horizontalAdvance(frame::DescrizioneAutorizzazione(QStringLiteral("M"))) + 40);
-    for (int c = 2; c < ModelloAccessi::Campi().size(); ++c)
-        testata->setSectionResizeMode(c, QHeaderView::ResizeToContents);
+    // The labels show whole; the level takes the room left.
+    for (int c = 0; c < ModelloAccessi::Campi().size(); ++c)
+        testata->setSectionResizeMode(c, c == 1 ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
     // The rights change with their user's record only.
     connect(&macchina(), &forms::MacchinaScheda::statoCambiato, this, [this] {
         const bool scrive = inScrittura() && recordset().editMode() == store::Recordset::EditMode::Edit;
