@@ -174,7 +174,7 @@ void MacchinaScheda::eseguiAnnulla()
 void MacchinaScheda::eseguiElimina()
 {
     store::Recordset &rs = recordset();
-    if (!rigaCorrente())
+    if (!rigaCorrente() || !m_ganci.verificaInterna(QStringLiteral("elimina")))
         return;
     // Each question has Cancel as its default, and all must be answered OK.
     for (const char *domanda : std::as_const(m_cfg.domandeElimina))

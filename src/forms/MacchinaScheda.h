@@ -29,6 +29,7 @@ struct ConfigurazioneScheda {
     QString modelloEtichette;                          // the labels template of the print mode; empty: no labels
     bool elencoPersonalizzato = false;                 // the print mode offers the user's own list
     QList<const char *> domandeElimina = {"M0013", "M0047"}; // asked in turn before a delete, each must be OK
+    QStringList formuleStampa;                                // formulas of the form's own that the print adds
 };
 
 // A field of the detail recordset bound to a box of the window: read by "ok",
@@ -58,7 +59,7 @@ public:
     class Ganci {
     public:
         virtual ~Ganci() = default;
-        // A check of the form's own before an action; false stops it.
+        // A check of the form's own before an action ("modifica", "elimina", "esci"); false stops it.
         virtual bool verificaInterna(const QString &azione) = 0;
         virtual void impostaPredefiniti() = 0;
         virtual bool convalida() = 0;

@@ -120,6 +120,7 @@ private slots:
         QTest::newRow("edit, A refuses") << "sfoglia" << "modifica" << "A" << "" << true << G << EditMode::None << "-" << 0 << 2 << true;
         QTest::newRow("edit, the form's check refuses") << "sfoglia" << "modifica" << "" << "" << false << G << EditMode::None << "-" << 0 << 2 << false;
         QTest::newRow("delete, M refuses") << "sfoglia" << "elimina" << "M" << "" << true << G << EditMode::None << "-" << 0 << 2 << true;
+        QTest::newRow("delete, the form's check refuses") << "sfoglia" << "elimina" << "" << "" << false << G << EditMode::None << "-" << 0 << 2 << false;
         QTest::newRow("delete, cancel at the first") << "sfoglia" << "elimina" << "" << "C" << true << G << EditMode::None << "-" << 1 << 2 << false;
         QTest::newRow("delete, cancel at the second") << "sfoglia" << "elimina" << "" << "OC" << true << G << EditMode::None << "-" << 2 << 2 << false;
         QTest::newRow("delete") << "sfoglia" << "elimina" << "" << "OO" << true << G << EditMode::None << "M0016" << 2 << 1 << false;

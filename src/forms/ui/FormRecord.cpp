@@ -432,7 +432,11 @@ void FormRecord::stampaFiltro(const QString &modello)
 {
     if (const std::optional<Filtro> f = filtroDelPannello()) {
         MostraStato(QString());
-        m_report.esegui(LancioFiltro(*f, modello, m_macchina->configurazione().chiaveTitoloStampa));
+        const ConfigurazioneScheda &c = m_macchina->configurazione();
+        reports::Lancio lancio = LancioFiltro(*f, modello, c.chiaveTitoloStampa);
+        for (const QString &formula : c.formuleStampa)
+            lancio.formule.insert(lancio.formule.size(), formula);
+        m_report.esegui(lancio);
     }
 }
 

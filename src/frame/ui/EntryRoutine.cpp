@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "admin/ui/frmAutoriz.h"
 #include "customers/ui/frmClienti.h"
 #include "frame/ui/EntryRoutine.h"
 
@@ -115,6 +116,7 @@ void RegistraFinestre(frmMain &main)
     main.RegistraFinestra(101, registro(customers::Modo::Clienti));
     main.RegistraFinestra(105, registro(customers::Modo::Fornitori));
     main.RegistraFinestra(111, unicaInterna<parking::frmPark>());
+    main.RegistraFinestra(131, unicaInterna<admin::frmAutoriz>());
     main.RegistraFinestra(201, tabella(forms::ImpostazioneFascia));
     main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());

@@ -16,7 +16,8 @@ namespace reports::tpl {
 const QStringList &knownSources()
 {
     static const QStringList s{QStringLiteral("Q_Movimentazioni_Utenti"), QStringLiteral("Q_Clienti_Utenti"),
-                               QStringLiteral("Cassa"), QStringLiteral("TabProgressivi")};
+                               QStringLiteral("Cassa"), QStringLiteral("TabProgressivi"),
+                               QStringLiteral("Autorizzazioni"), QStringLiteral("Accessi")};
     return s;
 }
 
