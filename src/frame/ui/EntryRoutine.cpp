@@ -9,6 +9,7 @@
 #include "forms/ui/frmtabelle.h"
 #include "parking/ui/frmPark.h"
 #include "reports/ui/frmStampaCassa.h"
+#include "reports/ui/frmStampaEstrattoC.h"
 #include "reports/ui/frmStampaPark.h"
 
 #include "upgrade/Aggiornamento.h"
@@ -118,6 +119,7 @@ void RegistraFinestre(frmMain &main)
     main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());
     main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
+    main.RegistraFinestra(321, unica<reports::frmStampaEstrattoC>());
 }
 
 } // namespace
