@@ -245,6 +245,7 @@ private slots:
         if (!l)
             return;
         QCOMPARE(l->modello, QStringLiteral("estrattoconto"));
+        QCOMPARE(l->titoloFinestra, frame::TestoLingua("M0318"));
         QTEST(l->selezione, "selezione");
         // Indices 0 to 11 are labels, 12 the graph switch: no carried sum is left.
         QCOMPARE(l->formule.keys(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
@@ -394,6 +395,7 @@ private slots:
             if (auto *d = qobject_cast<QPrintPreviewDialog *>(t); d && d->isVisible())
                 anteprima = d;
         QVERIFY(anteprima);
+        QCOMPARE(anteprima->windowTitle(), frame::TestoLingua("M0318"));
         QVERIFY(w.isVisible());
         anteprima->close();
     }

@@ -136,6 +136,7 @@ Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o, store::Curr
 {
     Lancio l = lancioLibro(QStringLiteral("cassa"), prompter, o, entrateRiportate, usciteRiportate);
     etichetteLibro(l, 5, "M0351");
+    l.titoloFinestra = frame::TestoLingua("M0317"); // the preview in the desk's language, as the option window
     l.selezione = SelezioneCassa(o, pub().AnnoEsercizio);
     return l;
 }
@@ -158,6 +159,7 @@ std::optional<Lancio> LancioEstratto(frame::Prompter &prompter, const OpzioniEst
     etichetteLibro(l, 0, "M0341");
     l.etichette(11, {{"clifor", o.fornitori ? "M0350" : "M0349"}});
     l.formule.insert(12, interruttoreSaldo(o)); // index 4 now holds a label
+    l.titoloFinestra = frame::TestoLingua("M0318");
     l.selezione = SelezioneEstratto(o, pub().AnnoEsercizio, *o.cliente);
     return l;
 }
