@@ -9,25 +9,31 @@
 #include "reports/engine/ReportChart.h"
 #include "reports/runs/StampeOpzioni.h"
 #include "reports/ui/frmStampaCassa.h"
+#include "reports/ui/frmStampaEstrattoC.h"
 #include "reports/ui/frmStampaPark.h"
 #include "store/Database.h"
 
 #include "support/ScriptedPrompter.h"
 #include "support/TestDatabase.h"
+#include "support/TestWindows.h"
 
 #include "support/Colonne.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QPrintPreviewDialog>
 #include <QImage>
 #include <QPainter>
 #include <QLineEdit>
 #include <QPrinterInfo>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QtTest>
 
 #include <memory>
 
 using reports::OpzioniCassa;
+using reports::OpzioniEstratto;
 using reports::OpzioniPark;
 
 namespace {
@@ -40,6 +46,30 @@ QString finestra(const char *verso, int y, int m, int d, int h, int mi)
     return QString::asprintf("{Q_Movimentazioni_Utenti.DataOra} %s DateSerial (%d,%d,%d) and TimeSerial (Hour "
                              "({Q_Movimentazioni_Utenti.DataOra}),Minute ({Q_Movimentazioni_Utenti.DataOra}),0) %s TimeSerial (%d,%d,0)",
                              verso, y, m, d, verso, h, mi);
+}
+
+// A customer (or supplier) of the registry; its id.
+qint64 cliente(const QString &cognome, const QString &nome, bool isCliente = true, double saldoEntrate = 0, double saldoUscite = 0)
+{
+    store::Database &db = frame::basedati();
+    db.execute(QStringLiteral("insert into Clienti (Cliente, Cognome, Nome, SaldoEntrate, SaldoUscite) values (?, ?, ?, ?, ?)"),
+               {isCliente ? -1 : 0, cognome, nome, saldoEntrate, saldoUscite});
+    return db.lastInsertId();
+}
+
+// The counters' row of the fiscal year 2026, which the reports join.
+void annoEsercizio()
+{
+    frame::basedati().execute(QStringLiteral("insert into TabProgressivi (Anno, Progressivo, EntrataPrecedente, UscitaPrecedente) "
+                                             "values ('2026', 0, 500, 100)"));
+}
+
+// A cash row of the fiscal year 2026; an invalid amount is stored as null.
+void riga(const QVariant &idCliente, const QDate &giorno, const QString &descrizione, const QVariant &entrata, const QVariant &uscita)
+{
+    frame::basedati().execute(
+        QStringLiteral("insert into Cassa (IdCliente, Data, Descrizione, Entrata, Uscita, Esercizio) values (?, ?, ?, ?, ?, '2026')"),
+        {idCliente, giorno.startOfDay(), descrizione, entrata, uscita});
 }
 
 } // namespace
@@ -155,6 +185,219 @@ private slots:
         QVERIFY(frame::CasellaTesto::confermaTutte(&w));
         QCOMPARE(reports::SelezionePark(w.opzioni()), selezione.left(selezione.indexOf(QStringLiteral(" and {Q_Movimentazioni_Utenti.DataOra}")))
                                                           + QStringLiteral(" and ") + finestra("<=", 2026, 11, 1, 0, 0));
+    }
+
+    // The statement's run, inspected without printing: the selection in its
+    // order, the messages, and the labels from index 0 over the carried sums.
+    void statementRun_data()
+    {
+        // cliente -1: none chosen; dal, al: an invalid date is an empty box
+        colonne<qint64, bool, int, QDate, QDate, bool, QString, QStringList>(
+            {"cliente", "fornitori", "righe", "dal", "al", "grafico", "selezione", "messaggi"});
+        const QString anno = QStringLiteral("{TabProgressivi.Anno}='2026'");
+        const QString sette = QStringLiteral(" and {Cassa.idcliente} = 7");
+        const int tutto = int(OpzioniCassa::Righe::Tutto);
+        const QDate nessuna;
+        QTest::newRow("no customer: nothing printed") << qint64(-1) << false << tutto << QDate(2026, 2, 1) << nessuna << true << ""
+                                                      << QStringList{"M0083"};
+        QTest::newRow("one customer, every row") << qint64(7) << false << tutto << nessuna << nessuna << true << anno + sette << QStringList();
+        QTest::newRow("money in only, unbracketed, customer after it")
+            << qint64(7) << false << int(OpzioniCassa::Righe::SoloEntrate) << nessuna << nessuna << true
+            << anno + " and isnull({Cassa.uscita}) or {Cassa.uscita}=0" + sette << QStringList();
+        QTest::newRow("money out only, a supplier") << qint64(7) << true << int(OpzioniCassa::Righe::SoloUscite) << nessuna << nessuna << false
+                                                   << anno + " and isnull({Cassa.Entrata}) or {Cassa.Entrata}=0" + sette << QStringList();
+        QTest::newRow("period") << qint64(123456) << false << tutto << QDate(2026, 2, 1) << QDate(2026, 12, 31) << true
+                                << anno + " and {Cassa.idcliente} = 123456 and {Cassa.Data} >= DateSerial (2026,2,1)"
+                                          " and {Cassa.Data} <= DateSerial (2026,12,31)"
+                                << QStringList();
+        QTest::newRow("start before the year: told, printed") << qint64(7) << false << tutto << QDate(2025, 12, 1) << nessuna << true
+                                                             << anno + sette + " and {Cassa.Data} >= DateSerial (2025,12,1)"
+                                                             << QStringList{"M0084"};
+        QTest::newRow("start after the year: no message") << qint64(7) << false << tutto << QDate(2027, 1, 1) << nessuna << true
+                                                         << anno + sette + " and {Cassa.Data} >= DateSerial (2027,1,1)" << QStringList();
+        QTest::newRow("end before the start: no check") << qint64(7) << false << tutto << QDate(2026, 5, 1) << QDate(2026, 4, 1) << true
+                                                       << anno + sette + " and {Cassa.Data} >= DateSerial (2026,5,1) and {Cassa.Data} <= DateSerial (2026,4,1)"
+                                                       << QStringList();
+    }
+    void statementRun()
+    {
+        QFETCH(qint64, cliente); QFETCH(bool, fornitori); QFETCH(int, righe); QFETCH(QDate, dal); QFETCH(QDate, al);
+        QFETCH(bool, grafico); QFETCH(QStringList, messaggi);
+        frame::pub().FormatoData = QStringLiteral("dd/mm/yyyy");
+        ScriptedPrompter p;
+        OpzioniEstratto o;
+        if (cliente >= 0)
+            o.cliente = cliente;
+        o.fornitori = fornitori;
+        o.righe = OpzioniCassa::Righe(righe);
+        if (dal.isValid())
+            o.dal = dal;
+        if (al.isValid())
+            o.al = al;
+        o.graficoSaldo = grafico;
+        // Carried sums that would show if they reached the template.
+        const std::optional<reports::Lancio> l = reports::LancioEstratto(p, o, store::Currency::fromRaw(1000000), store::Currency::fromRaw(300000));
+        QStringList attesi;
+        for (const QString &k : messaggi)
+            attesi << frame::TestoLingua(k.toLatin1().constData());
+        QCOMPARE(p.texts(), attesi);
+        QCOMPARE(l.has_value(), cliente >= 0);
+        if (!l)
+            return;
+        QCOMPARE(l->modello, QStringLiteral("estrattoconto"));
+        QCOMPARE(l->titoloFinestra, frame::TestoLingua("M0318"));
+        QTEST(l->selezione, "selezione");
+        // Indices 0 to 11 are labels, 12 the graph switch: no carried sum is left.
+        QCOMPARE(l->formule.keys(), (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+        QCOMPARE(l->formule.value(0), QStringLiteral("lbldata='Date'"));
+        QCOMPARE(l->formule.value(1), QStringLiteral("lbldescrizione='Description'"));
+        QCOMPARE(l->formule.value(2), "lblentrata='" + frame::TestoLingua("M0194") + "'");
+        QCOMPARE(l->formule.value(4), "lblsaldoiniziale='" + frame::TestoLingua("M0340") + "'");
+        QCOMPARE(l->formule.value(5), "lbltitolo='" + frame::TestoLingua("M0341") + "'");
+        QCOMPARE(l->formule.value(10), "lblsubtotali='" + frame::TestoLingua("M0346") + "'");
+        QCOMPARE(l->formule.value(11), fornitori ? QStringLiteral("clifor='Supplier'") : QStringLiteral("clifor='Customer'"));
+        QCOMPARE(l->formule.value(12), grafico ? QStringLiteral("OmetteGrafSaldo=false") : QStringLiteral("OmetteGrafSaldo=true"));
+        for (const QString &f : l->formule)
+            QVERIFY2(!f.contains(QLatin1String("Periodo")), qPrintable(f));
+        QCOMPARE(l->testiGrafico.value(0), QStringLiteral(" GROUPFTR.0.1; 0; Daily balance;;;;;;Balance;"));
+    }
+
+    // The statement of one customer, printed to a PDF file from a small book: its
+    // rows only, the balance the year opened with, the running balance, the totals.
+    // A start date narrows the rows but carries nothing in: the template's zero applies.
+    void statementPrintsOneCustomer()
+    {
+        QLocale::setDefault(QLocale::c());
+        frame::pub().FormatoData = QStringLiteral("dd/mm/yyyy");
+        annoEsercizio();
+        const QString nome = QStringLiteral("Niccolò \"Nico\"");
+        const qint64 anna = cliente(QStringLiteral("D'Àngelo"), nome, true, 100, 40);
+        const qint64 altro = cliente(QStringLiteral("Bianchi"), QStringLiteral("Rita"));
+        riga(anna, QDate(2026, 1, 10), QStringLiteral("Canone gennaio"), 50, 0);
+        riga(QVariant(), QDate(2026, 1, 12), QStringLiteral("Incassi parcheggio"), 77, QVariant());
+        riga(altro, QDate(2026, 1, 15), QStringLiteral("Canone"), 999, 0);
+        riga(anna, QDate(2026, 1, 20), QStringLiteral("Rimborso dell'auto"), 0, 20);
+        riga(anna, QDate(2026, 2, 5), QStringLiteral("Canone febbraio"), 12.5, QVariant());
+
+        QTemporaryDir cartella;
+        ScriptedPrompter p;
+        reports::CrystalReport report(p);
+        report.setKeepLayout(true);
+        const auto stampa = [&](const OpzioniEstratto &o, const QString &file) {
+            std::optional<reports::Lancio> l = reports::LancioEstratto(p, o, store::Currency::fromRaw(5000000), store::Currency());
+            QVERIFY(l);
+            l->destinazione = reports::Lancio::ToFile;
+            report.setPrintFileName(cartella.filePath(file));
+            QVERIFY2(report.esegui(*l), qPrintable(report.lastError()));
+            QVERIFY(QFile(cartella.filePath(file)).size() > 1000);
+        };
+        const auto colonna = [&](const char *campo) {
+            QStringList valori;
+            for (const reports::LaidOutSection &s : report.laidOut(QStringLiteral("detail")))
+                valori << s.named.value(QLatin1String(campo));
+            return valori;
+        };
+        const auto nominato = [&](const char *sezione, const char *campo) {
+            return report.laidOut(QLatin1String(sezione)).value(0).named.value(QLatin1String(campo));
+        };
+
+        OpzioniEstratto o;
+        o.cliente = anna;
+        stampa(o, QStringLiteral("tutto.pdf"));
+        QVERIFY(p.messages.isEmpty());
+        QCOMPARE(report.lastRowCount(), 3);
+        QCOMPARE(colonna("descrizione"), (QStringList{"Canone gennaio", "Rimborso dell'auto", "Canone febbraio"}));
+        QCOMPARE(colonna("saldo"), (QStringList{"110.00", "90.00", "102.50"}));
+        QCOMPARE(nominato("reportHeader", "cliente"), "D'Àngelo " + nome);
+        QCOMPARE(nominato("reportHeader", "saldoIniziale"), QStringLiteral("60.00"));
+        QVERIFY(report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Customer")));
+        QVERIFY(report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Account statement")));
+        QCOMPARE(nominato("reportFooter", "entrateTotali"), QStringLiteral("62.50"));
+        QCOMPARE(nominato("reportFooter", "usciteTotali"), QStringLiteral("20.00"));
+        QCOMPARE(nominato("reportFooter", "saldoTotale"), QStringLiteral("102.50"));
+        QCOMPARE(report.laidOut(QStringLiteral("GROUPFTR.0.1")).value(0).graphBuckets, QList<int>{3});
+        QCOMPARE(report.laidOut(QStringLiteral("GROUPFTR.0.1")).value(0).graphTitles.value(0), QStringLiteral("Daily balance"));
+
+        // From 15 January, as a supplier's statement, without the graph.
+        o.dal = QDate(2026, 1, 15);
+        o.fornitori = true;
+        o.graficoSaldo = false;
+        stampa(o, QStringLiteral("periodo.pdf"));
+        QCOMPARE(colonna("saldo"), (QStringList{"40.00", "52.50"}));
+        QVERIFY(!report.laidOut(QStringLiteral("reportHeader")).value(0).named.contains(QStringLiteral("saldoRiportato")));
+        QVERIFY(report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Supplier")));
+        QVERIFY(report.laidOut(QStringLiteral("GROUPFTR")).isEmpty());
+
+        // Italian labels, and a customer with no row this year: an empty statement with its labels.
+        loadLanguage(QStringLiteral("Italian"));
+        frame::pub().CartellaProgramma = QCoreApplication::applicationDirPath() + QLatin1Char('/');
+        o = OpzioniEstratto();
+        o.cliente = cliente(QStringLiteral("Nessuno"), QString());
+        stampa(o, QStringLiteral("vuoto.pdf"));
+        QCOMPARE(report.lastRowCount(), 0);
+        QVERIFY(report.laidOut(QStringLiteral("pageHeader")).value(0).texts.contains(QStringLiteral("Descrizione")));
+        QVERIFY(report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Estratto conto")));
+    }
+
+    // The statement's window: the list follows the option, a typed number shows
+    // its name or none, a number that is none of the list prints nothing.
+    void statementWindow()
+    {
+        annoEsercizio();
+        const qint64 rossi = cliente(QStringLiteral("Rossi"), QStringLiteral("Mario"));
+        const qint64 albertini = cliente(QStringLiteral("Albertini"), QStringLiteral("Lea"));
+        const qint64 fornitore = cliente(QStringLiteral("Verdi"), QStringLiteral("Srl"), false);
+        riga(rossi, QDate(2026, 3, 1), QStringLiteral("Canone"), 50, 0);
+        ScriptedPrompter p;
+        reports::frmStampaEstrattoC w(p);
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(showActive(&w));
+        QCOMPARE(w.windowTitle(), frame::TestoLingua("M0318"));
+        auto *codice = w.findChild<QLineEdit *>(QStringLiteral("TxtTC_0"));
+        auto *elenco = w.findChild<QComboBox *>(QStringLiteral("TDBComboC_0"));
+        auto *fornitori = w.findChild<QRadioButton *>(QStringLiteral("OptFornitori"));
+        QCOMPARE(w.findChild<QCheckBox *>(QStringLiteral("ChkGrafSaldo"))->text(), frame::TestoLingua("CAP61"));
+        QCOMPARE(elenco->count(), 2);
+        QCOMPARE(elenco->currentIndex(), -1);
+
+        // A number typed shows its name; a supplier's number is none of the customers.
+        codice->setFocus();
+        QTest::keyClicks(codice, QString::number(rossi));
+        QCOMPARE(elenco->currentText(), QStringLiteral("Rossi Mario"));
+        QCOMPARE(w.opzioni().cliente, std::optional<qint64>(rossi));
+        codice->setText(QString::number(fornitore));
+        QCOMPARE(elenco->currentText(), QString());
+        QVERIFY(!w.opzioni().cliente);
+        QTest::mouseClick(w.findChild<QPushButton *>(QStringLiteral("Okstampa")), Qt::LeftButton);
+        QCOMPARE(p.texts(), QStringList(frame::TestoLingua("M0083")));
+
+        // The suppliers' list finds it; a pick in the list puts its number back.
+        fornitori->setChecked(true);
+        QCOMPARE(elenco->count(), 1);
+        QCOMPARE(elenco->currentText(), QStringLiteral("Verdi Srl"));
+        QVERIFY(w.opzioni().fornitori);
+        QCOMPARE(w.opzioni().cliente, std::optional<qint64>(fornitore));
+        w.findChild<QRadioButton *>(QStringLiteral("OptClienti"))->setChecked(true);
+        QCOMPARE(elenco->currentIndex(), -1);
+        elenco->setCurrentIndex(0);
+        emit elenco->activated(0);
+        QCOMPARE(codice->text(), QString::number(albertini)); // first by name
+        codice->clear();
+        QVERIFY(!w.opzioni().cliente);
+
+        // A print opens the preview and leaves the window open for the next one.
+        codice->setText(QString::number(rossi));
+        p.messages.clear();
+        QTest::mouseClick(w.findChild<QPushButton *>(QStringLiteral("Okstampa")), Qt::LeftButton);
+        QVERIFY(p.messages.isEmpty());
+        QPrintPreviewDialog *anteprima = nullptr;
+        for (QWidget *t : QApplication::topLevelWidgets())
+            if (auto *d = qobject_cast<QPrintPreviewDialog *>(t); d && d->isVisible())
+                anteprima = d;
+        QVERIFY(anteprima);
+        QCOMPARE(anteprima->windowTitle(), frame::TestoLingua("M0318"));
+        QVERIFY(w.isVisible());
+        anteprima->close();
     }
 
     // The parking window's quick search number refuses a key that makes no number.

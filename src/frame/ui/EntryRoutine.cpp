@@ -11,6 +11,7 @@
 #include "parking/ui/frmPark.h"
 #include "reports/ui/StampeMenu.h"
 #include "reports/ui/frmStampaCassa.h"
+#include "reports/ui/frmStampaEstrattoC.h"
 #include "reports/ui/frmStampaPark.h"
 
 #include "upgrade/Aggiornamento.h"
@@ -121,6 +122,7 @@ void RegistraFinestre(frmMain &main)
     main.RegistraFinestra(211, tabella(forms::ImpostazioneCassa));
     main.RegistraFinestra(301, unica<reports::frmStampaPark>());
     main.RegistraFinestra(311, unica<reports::frmStampaCassa>());
+    main.RegistraFinestra(321, unica<reports::frmStampaEstrattoC>());
     for (const auto &[item, codice] : {std::pair{331, "C"}, {341, "F"}, {351, "CC"}, {361, "CA"}})
         main.RegistraFinestra(item, [codice](frmMain &m) -> QWidget * {
             return reports::StampeMenu::di(m.prompter(), &m).stampa(QLatin1String(codice));

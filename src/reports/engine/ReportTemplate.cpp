@@ -195,7 +195,9 @@ private:
             if (m_xml.name() != QLatin1String("join"))
                 fail(QStringLiteral("unknown element <%1> in <data>").arg(m_xml.name().toString()));
             Join j{attr(QStringLiteral("table")).trimmed(), attr(QStringLiteral("field")).trimmed(), attr(QStringLiteral("to")).trimmed()};
-            if (!knownSources().contains(j.table, Qt::CaseInsensitive) || j.field.isEmpty() || j.to.isEmpty())
+            // The customers' table itself may be joined too: its view can't be read by key from a join.
+            const bool tabella = knownSources().contains(j.table, Qt::CaseInsensitive) || j.table.compare(QLatin1String("Clienti"), Qt::CaseInsensitive) == 0;
+            if (!tabella || j.field.isEmpty() || j.to.isEmpty())
                 fail(QStringLiteral("a <join> needs a known table, a field of the source and the column it matches (to)"));
             m_t.joins << j;
             skip();

@@ -49,4 +49,21 @@ QString SelezioneCassa(const OpzioniCassa &o, const QString &anno);
 Lancio LancioCassa(frame::Prompter &prompter, const OpzioniCassa &o, store::Currency entrateRiportate,
                    store::Currency usciteRiportate);
 
+// The choices of the account statement's window: the cash report's, and one
+// customer or supplier of the list shown.
+struct OpzioniEstratto : OpzioniCassa {
+    std::optional<qint64> cliente; // none: no customer chosen, or a number that is none of the list
+    bool fornitori = false;        // the list is the suppliers'
+};
+
+// The selection formula of one customer's rows of the fiscal year: the year, the
+// kind of row, the customer, then the period.
+QString SelezioneEstratto(const OpzioniCassa &o, const QString &anno, qint64 cliente);
+// The account statement's run; std::nullopt, with M0083 told, when no customer
+// is chosen. Otherwise the cash report's steps, then the labels from index 0 on,
+// which take the place of the carried sums (the template's own defaults apply),
+// "clifor" at 11 and the graph switch again at 12.
+std::optional<Lancio> LancioEstratto(frame::Prompter &prompter, const OpzioniEstratto &o, store::Currency entrateRiportate,
+                                     store::Currency usciteRiportate);
+
 } // namespace reports
