@@ -67,6 +67,10 @@ frmimposta::frmimposta(frame::Prompter &prompter, Modo modo, QWidget *parent)
     m_ui->TxtNEnt->setValidator(frame::ValidatoreCasella::numero(m_ui->TxtNEnt, true));
     m_ui->TxtNUsc->setValidator(frame::ValidatoreCasella::numero(m_ui->TxtNUsc, true));
 
+    // The short boxes of the options stand next to their labels.
+    m_ui->layoutOpzioni->setAlignment(m_ui->FasciaDefault, Qt::AlignLeft);
+    for (QLineEdit *casella : caselleSiNo())
+        m_ui->layoutOpzioni->setAlignment(casella, Qt::AlignLeft);
     for (QLineEdit *casella : caselleSiNo())
         connect(casella, &QLineEdit::textEdited, this, [this, casella](const QString &testo) {
             applicaSiNo(casella, testo);
