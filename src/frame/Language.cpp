@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frame/Language.h"
 
-#include "frame/SettingsStore.h"
+#include "frame/Preferenze.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -123,8 +123,7 @@ void CaricaLinguaCorrente()
 
 void SalvaLingua()
 {
-    SettingsStore::save(QLatin1String(SettingsStore::Section), QStringLiteral("lingua"),
-                        QString::number(pub().LinguaCorrente).trimmed());
+    preferenze().setLingua(pub().LinguaCorrente);
     if (pub().languageMenuSink)
         pub().languageMenuSink(pub().LinguaCorrente);
 }

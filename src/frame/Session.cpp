@@ -3,10 +3,10 @@
 #include "frame/Session.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 
 #include "store/Database.h"
 #include "store/DbError.h"
@@ -71,7 +71,7 @@ EsitoVerifica VerificaLogin(store::Database &db, Prompter &prompter, const QStri
         return EsitoVerifica::PasswordErrata;
     }
     p.UtenteMaster = rs.value(QStringLiteral("Master")).toString() == QLatin1String("S");
-    SettingsStore::save(QLatin1String(SettingsStore::Section), QStringLiteral("UltimoUtente"), nome);
+    preferenze().setUltimoUtente(nome);
     return EsitoVerifica::Accettato;
 }
 

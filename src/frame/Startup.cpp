@@ -2,9 +2,9 @@
 #include "frame/Startup.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 
 #include "store/DbError.h"
 
@@ -16,11 +16,6 @@
 namespace frame {
 
 namespace {
-
-QString registro(const QString &chiave, const QString &predefinito)
-{
-    return SettingsStore::get(QLatin1String(SettingsStore::Section), chiave, predefinito);
-}
 
 // Runs one step; a database failure skips it and the start goes on.
 template <typename F>
@@ -50,7 +45,7 @@ void ImpostaPercorsi(const QString &cartellaProgramma)
     p.CodaConnessione = QStringLiteral(";PWD=quartzel");
     p.CartellaWin = ConBarra(QStandardPaths::writableLocation(QStandardPaths::TempLocation));
     p.CartellaTemp = p.CartellaWin + QLatin1String(TitoloApplicazione) + QLatin1Char('/');
-    p.Pathdata = registro(QStringLiteral("Pathdata"), p.CartellaProgramma + QStringLiteral("basedati.mdb"));
+    p.Pathdata = preferenze().pathData();
     p.PercorsoElencoBackup.clear();
     p.CartellaImmagini.clear();
     if (p.Pathdata.size() >= 13) {
@@ -62,11 +57,10 @@ void ImpostaPercorsi(const QString &cartellaProgramma)
 
 void ImpostaLingua()
 {
-    bool ok = false;
-    const int n = registro(QStringLiteral("lingua"), QStringLiteral("0")).trimmed().toInt(&ok);
+    const int n = preferenze().lingua();
     ElencaLingue();
     // A number outside the list (a file removed, junk in the store) falls back to the first language.
-    pub().LinguaCorrente = ok && n >= 0 && n < pub().Lingue.size() ? n : 0;
+    pub().LinguaCorrente = n < pub().Lingue.size() ? n : 0;
     CaricaLinguaCorrente();
     SalvaLingua();
 }
@@ -79,29 +73,30 @@ bool OpzioneAttiva(const QString &valore)
 void LeggeImpostazioniAvvio()
 {
     PublicState &p = pub();
-    p.AvvioPark = registro(QStringLiteral("Avvio"), QStringLiteral("N")) == QLatin1String("S");
+    Preferenze &pref = preferenze();
+    p.AvvioPark = pref.avvio();
     passo([&] {
-        p.AnnoEsercizio = LeggeImpostazione(QStringLiteral("AnnoEsercizio")).toString().trimmed();
+        p.AnnoEsercizio = pref.annoEsercizio();
         if (p.AnnoEsercizio.isEmpty()) {
             p.AnnoEsercizio = QString::number(QDate::currentDate().year());
-            ScriveImpostazione(QStringLiteral("AnnoEsercizio"), p.AnnoEsercizio);
+            pref.setAnnoEsercizio(p.AnnoEsercizio);
         }
     });
     const struct {
-        const char *campo;
+        QString (Preferenze::*parola)() const;
         bool PublicState::*flag;
     } opzioni[] = {
-        {"TgObbligatoria", &PublicState::TgObbligatoria},
-        {"OpAnnullare", &PublicState::OpAnnullare},
-        {"OpModificare", &PublicState::OpModificare},
-        {"OpContabilizzare", &PublicState::OpContabilizzare},
-        {"StampaEntrata", &PublicState::StampaEntrata},
-        {"StampaUscita", &PublicState::StampaUscita},
+        {&Preferenze::tgObbligatoria, &PublicState::TgObbligatoria},
+        {&Preferenze::opAnnullare, &PublicState::OpAnnullare},
+        {&Preferenze::opModificare, &PublicState::OpModificare},
+        {&Preferenze::opContabilizzare, &PublicState::OpContabilizzare},
+        {&Preferenze::stampaEntrata, &PublicState::StampaEntrata},
+        {&Preferenze::stampaUscita, &PublicState::StampaUscita},
     };
     for (const auto &o : opzioni)
-        passo([&] { p.*o.flag = OpzioneAttiva(LeggeImpostazione(QString::fromLatin1(o.campo)).toString()); });
-    passo([&] { p.FasciaDefault = LeggeImpostazione(QStringLiteral("FasciaDefault")).toString(); });
-    p.InsertPremuto = registro(QStringLiteral("InsertPremuto"), QStringLiteral("N")) == QLatin1String("S");
+        passo([&] { p.*o.flag = OpzioneAttiva((pref.*o.parola)()); });
+    passo([&] { p.FasciaDefault = pref.fasciaDefault(); });
+    p.InsertPremuto = pref.insertPremuto();
 }
 
 } // namespace frame

@@ -2,10 +2,10 @@
 #include "safety/Backup.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 #include "store/Connections.h"
 #include "store/Database.h"
 #include "store/DbError.h"
@@ -507,22 +507,20 @@ QVector<CatalogueEntry> readCatalogue()
 
 BackupSettings readBackupSettings()
 {
-    using frame::SettingsStore::get;
-    const QString section = QString::fromLatin1(frame::SettingsStore::Section);
+    const frame::Preferenze &pref = frame::preferenze();
     BackupSettings s;
-    s.folder = get(section, QStringLiteral("PathBackup"), frame::pub().CartellaProgramma);
-    s.autoDelete = get(section, QStringLiteral("AutoBackup"), QStringLiteral("S")) == QLatin1String("S");
-    s.keep = keepCount(get(section, QStringLiteral("AutoBackupCont"), QStringLiteral("6")));
+    s.folder = pref.pathBackup();
+    s.autoDelete = pref.autoBackup();
+    s.keep = keepCount(pref.autoBackupCont());
     return s;
 }
 
 void saveBackupSettings(const BackupSettings &settings)
 {
-    using frame::SettingsStore::save;
-    const QString section = QString::fromLatin1(frame::SettingsStore::Section);
-    save(section, QStringLiteral("PathBackup"), settings.folder);
-    save(section, QStringLiteral("AutoBackup"), settings.autoDelete ? QStringLiteral("S") : QStringLiteral("N"));
-    save(section, QStringLiteral("AutoBackupCont"), QString::number(std::max(1, settings.keep)));
+    frame::Preferenze &pref = frame::preferenze();
+    pref.setPathBackup(settings.folder);
+    pref.setAutoBackup(settings.autoDelete);
+    pref.setAutoBackupCont(std::max(1, settings.keep));
 }
 
 int keepCount(const QString &text)

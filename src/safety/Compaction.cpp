@@ -2,9 +2,9 @@
 #include "safety/Compaction.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 #include "frame/FileError.h"
 #include "store/Connections.h"
 #include "store/Database.h"
@@ -386,13 +386,7 @@ void compatta_locadati()
     auto &pub = frame::pub();
     if (pub.PercorsoLocadati.isEmpty() || !QFileInfo(pub.PercorsoLocadati).isFile())
         return;
-    const QString sezione = QStringLiteral("Contatori");
-    const QString chiave = QStringLiteral("CompattaLocadati");
-    bool ok = false;
-    int contatore = frame::SettingsStore::get(sezione, chiave, QStringLiteral("0")).trimmed().toInt(&ok);
-    if (!ok || contatore < 0)
-        contatore = 0;
-    ++contatore;
+    int contatore = frame::preferenze().compattaLocadati() + 1;
     // Past ten as well: a counter raised by hand must not put the compaction off for good.
     if (contatore >= 10) {
         frame::MostraStato(frame::TestoLingua("M0020"));
@@ -402,7 +396,7 @@ void compatta_locadati()
         frame::MostraStato(frame::TestoLingua(riuscita ? "M0021" : "M0022"));
         contatore = 0;
     }
-    frame::SettingsStore::save(sezione, chiave, QString::number(contatore).trimmed());
+    frame::preferenze().setCompattaLocadati(contatore);
 }
 
 bool CompattazioneServizio(frame::Prompter &prompter)

@@ -2,9 +2,9 @@
 #include "safety/Update.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 #include "store/Database.h"
 #include "store/DbError.h"
 #include "store/Sqlite.h"
@@ -55,26 +55,6 @@ std::optional<QString> tipoDichiarato(int tipo, int dimensione)
     }
 }
 
-// The column holds the version when it is a number equal to it.
-bool stessaVersione(const QVariant &colonna, int versioneMinore)
-{
-    if (!colonna.isValid() || colonna.isNull())
-        return false;
-    bool ok = false;
-    const double v = colonna.toString().trimmed().toDouble(&ok);
-    return ok && v == double(versioneMinore);
-}
-
-QString testoVersione(int versioneMinore)
-{
-    return QString::number(versioneMinore).trimmed();
-}
-
-QString sezione()
-{
-    return QString::fromLatin1(frame::SettingsStore::Section);
-}
-
 } // namespace
 
 const QVector<TabellaVoluta> &StrutturaVoluta()
@@ -97,17 +77,17 @@ const QVector<TabellaVoluta> &StrutturaVoluta()
 
 bool AggiornamentoDovuto(int versioneMinore)
 {
-    const QString testo = testoVersione(versioneMinore);
-    if (frame::SettingsStore::get(sezione(), QStringLiteral("VerDatabase"), QStringLiteral("0")) != testo)
+    frame::Preferenze &pref = frame::preferenze();
+    if (pref.verDatabaseLocale() != versioneMinore)
         return true;
     try {
-        if (!stessaVersione(frame::LeggeImpostazione(QStringLiteral("VerDatabase")), versioneMinore))
+        if (pref.verDatabase() != versioneMinore)
             return true;
     } catch (const store::DbError &) {
         // The structure cannot be confirmed: the update window runs and tells the engine's reason.
         return true;
     }
-    frame::SettingsStore::save(sezione(), QStringLiteral("VerDatabase"), testo);
+    pref.setVerDatabaseLocale(versioneMinore);
     return false;
 }
 
@@ -198,11 +178,12 @@ bool EseguiAggiornamento(int versioneMinore, frame::Prompter &prompter, const St
     try {
         store::Database &db = frame::basedati();
         bool riuscito = true;
-        if (!stessaVersione(frame::LeggeImpostazione(QStringLiteral("VerDatabase")), versioneMinore))
+        frame::Preferenze &pref = frame::preferenze();
+        if (pref.verDatabase() != versioneMinore)
             riuscito = AddFieldsBasedati(db, prompter, stato);
         if (riuscito) {
-            frame::ScriveImpostazione(QStringLiteral("VerDatabase"), versioneMinore);
-            frame::SettingsStore::save(sezione(), QStringLiteral("VerDatabase"), testoVersione(versioneMinore));
+            pref.setVerDatabase(versioneMinore);
+            pref.setVerDatabaseLocale(versioneMinore);
             if (stato)
                 stato(QString());
             prompter.information(frame::TestoLingua("M0043"));

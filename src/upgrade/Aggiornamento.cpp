@@ -2,10 +2,10 @@
 #include "upgrade/Aggiornamento.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 #include "frame/Version.h"
 
 #include <QCryptographicHash>
@@ -163,7 +163,7 @@ bool controllo(frame::Prompter &prompter, Scaricamento &scarica, const AmbienteC
         return false;
 
     frame::MostraStato(TestoLingua("WITPL"));
-    frame::SettingsStore::save(QLatin1String(frame::SettingsStore::Section), QStringLiteral("Path"), ambiente.eseguibile);
+    frame::preferenze().setPathProgramma(ambiente.eseguibile);
     const QString programma = cartella + d->Ver;
     QFile::remove(programma);
     errore = scarica.Download(sito + QString::fromLatin1(QUrl::toPercentEncoding(d->Ver)), programma, d->Dim);
@@ -360,8 +360,7 @@ bool EntrataCopia(frame::Prompter &prompter, const QString &eseguibile, const QS
         return false;
     // The program that started this one needs a moment to end.
     QThread::msleep(attesaMs);
-    QString destinazione =
-        frame::SettingsStore::get(QLatin1String(frame::SettingsStore::Section), QStringLiteral("Path"));
+    QString destinazione = frame::preferenze().pathProgramma();
     if (destinazione.isEmpty() && !argomenti.isEmpty())
         destinazione = proprio.absoluteDir().filePath(QFileInfo(argomenti.first()).fileName());
 

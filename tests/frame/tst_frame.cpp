@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Tests of the frame logic: shared routines, language texts, settings store and start-up steps.
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
 #include "frame/SettingsStore.h"
@@ -19,6 +20,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -74,6 +76,36 @@ Table parseLanguageFile(const QString &name)
 }
 
 QString year() { return QString::number(QDate::currentDate().year()); }
+
+// A typed setting read back as a comparable value; none reads as an invalid QVariant.
+template <typename T>
+QVariant comeVariante(const std::optional<T> &v)
+{
+    return v ? QVariant::fromValue(*v) : QVariant();
+}
+
+// The store's settings by key, as their typed readers give them.
+QVariant letturaRegistro(const QString &chiave)
+{
+    const frame::Preferenze &p = frame::preferenze();
+    const QHash<QString, std::function<QVariant()>> letture{
+        {QStringLiteral("Pathdata"), [&] { return QVariant(p.pathData()); }},
+        {QStringLiteral("lingua"), [&] { return QVariant(p.lingua()); }},
+        {QStringLiteral("Avvio"), [&] { return QVariant(p.avvio()); }},
+        {QStringLiteral("InsertPremuto"), [&] { return QVariant(p.insertPremuto()); }},
+        {QStringLiteral("UltimoUtente"), [&] { return QVariant(p.ultimoUtente()); }},
+        {QStringLiteral("MainLeft"), [&] { return QVariant(p.mainLeft()); }},
+        {QStringLiteral("MainWidth"), [&] { return comeVariante(p.mainWidth()); }},
+        {QStringLiteral("BarraStumenti"), [&] { return QVariant(p.barraStrumenti()); }},
+        {QStringLiteral("VerDatabase"), [&] { return comeVariante(p.verDatabaseLocale()); }},
+        {QStringLiteral("PathBackup"), [&] { return QVariant(p.pathBackup()); }},
+        {QStringLiteral("AutoBackup"), [&] { return QVariant(p.autoBackup()); }},
+        {QStringLiteral("AutoBackupCont"), [&] { return QVariant(p.autoBackupCont()); }},
+        {QStringLiteral("Path"), [&] { return QVariant(p.pathProgramma()); }},
+        {QStringLiteral("CompattaLocadati"), [&] { return QVariant(p.compattaLocadati()); }},
+    };
+    return letture.value(chiave)();
+}
 
 } // namespace
 
@@ -553,6 +585,156 @@ private slots:
             for (const auto &o : kOpzioni)
                 QVERIFY2(pub().*o.flag == (&o == &prova ? attiva : !attiva), qPrintable(QStringLiteral("%1: %2").arg(prova.campo, o.campo)));
         }
+    }
+
+    // Each key of the store read through its typed reader: its default when missing, the value when stored
+    // (under any case of the key), and the default again for what the type can't hold.
+    void preferenzeRegistro_data()
+    {
+        // salvato: null: the key is missing; sezione: where it is written
+        colonne<QString, QString, QString, QVariant>({"chiave", "sezione", "salvato", "atteso"});
+        const QString imp = kSection, cont = QStringLiteral("Contatori");
+        QTest::newRow("path, default") << "Pathdata" << imp << QString() << QVariant("/opt/veltano/basedati.mdb");
+        QTest::newRow("path, other case") << "PATHDATA" << imp << "/srv/basedati.mdb" << QVariant("/srv/basedati.mdb");
+        QTest::newRow("language, default") << "lingua" << imp << QString() << QVariant(0);
+        QTest::newRow("language, blanks") << "LINGUA" << imp << " 2 " << QVariant(2);
+        QTest::newRow("language, junk") << "lingua" << imp << "due" << QVariant(0);
+        QTest::newRow("language, negative") << "lingua" << imp << "-1" << QVariant(0);
+        QTest::newRow("start, default") << "Avvio" << imp << QString() << QVariant(false);
+        QTest::newRow("start, S") << "avvio" << imp << "S" << QVariant(true);
+        QTest::newRow("start, lower s") << "Avvio" << imp << "s" << QVariant(false);
+        QTest::newRow("overtype, S") << "InsertPremuto" << imp << "S" << QVariant(true);
+        QTest::newRow("last user") << "ultimoutente" << imp << "mario" << QVariant("mario");
+        QTest::newRow("left, junk") << "MainLeft" << imp << "x" << QVariant(0);
+        QTest::newRow("left, negative") << "MainLeft" << imp << "-40" << QVariant(-40);
+        QTest::newRow("width, missing") << "MainWidth" << imp << QString() << QVariant();
+        QTest::newRow("width, junk") << "MainWidth" << imp << "wide" << QVariant();
+        QTest::newRow("width") << "MAINWIDTH" << imp << "800" << QVariant(800);
+        QTest::newRow("toolbar, default") << "BarraStumenti" << imp << QString() << QVariant(true);
+        QTest::newRow("toolbar, N") << "BarraStumenti" << imp << "N" << QVariant(false);
+        QTest::newRow("version, default") << "VerDatabase" << imp << QString() << QVariant(0);
+        QTest::newRow("version, junk") << "VerDatabase" << imp << "3b" << QVariant();
+        QTest::newRow("version, blank") << "VerDatabase" << imp << " 3" << QVariant();
+        QTest::newRow("version") << "VerDatabase" << imp << "3" << QVariant(3);
+        QTest::newRow("backup folder, default") << "PathBackup" << imp << QString() << QVariant("/opt/veltano/");
+        QTest::newRow("auto backup, default") << "AutoBackup" << imp << QString() << QVariant(true);
+        QTest::newRow("copies kept, default") << "AutoBackupCont" << imp << QString() << QVariant("6");
+        QTest::newRow("program path") << "Path" << imp << "/opt/veltano/veltano" << QVariant("/opt/veltano/veltano");
+        QTest::newRow("compactions, own section") << "CompattaLocadati" << cont << "7" << QVariant(7);
+        QTest::newRow("compactions, other section") << "CompattaLocadati" << imp << "7" << QVariant(0);
+        QTest::newRow("compactions, negative") << "CompattaLocadati" << cont << "-3" << QVariant(0);
+    }
+    void preferenzeRegistro()
+    {
+        QFETCH(QString, chiave); QFETCH(QString, sezione); QFETCH(QString, salvato); QFETCH(QVariant, atteso);
+        pub().CartellaProgramma = QStringLiteral("/opt/veltano/");
+        if (!salvato.isNull())
+            frame::SettingsStore::save(sezione, chiave, salvato);
+        static const QStringList chiavi{QStringLiteral("Pathdata"), QStringLiteral("lingua"), QStringLiteral("Avvio"),
+            QStringLiteral("InsertPremuto"), QStringLiteral("UltimoUtente"), QStringLiteral("MainLeft"),
+            QStringLiteral("MainWidth"), QStringLiteral("BarraStumenti"), QStringLiteral("VerDatabase"),
+            QStringLiteral("PathBackup"), QStringLiteral("AutoBackup"), QStringLiteral("AutoBackupCont"),
+            QStringLiteral("Path"), QStringLiteral("CompattaLocadati")};
+        const QString nome = *std::find_if(chiavi.cbegin(), chiavi.cend(),
+                                           [&](const QString &k) { return k.compare(chiave, Qt::CaseInsensitive) == 0; });
+        QCOMPARE(letturaRegistro(nome), atteso);
+    }
+
+    // A setter writes its key in the store's own spelling, read back under any case; a change is announced once
+    // by the key's name, and writing the value already stored announces nothing.
+    void preferenzeScritturaRegistro()
+    {
+        frame::Preferenze &p = frame::preferenze();
+        QSignalSpy cambiate(&p, &frame::Preferenze::cambiata);
+        p.setPathData(QStringLiteral("/srv/park/basedati.mdb"));
+        QCOMPARE(frame::SettingsStore::get(QStringLiteral("IMPOSTAZIONI"), QStringLiteral("pathdata")), QStringLiteral("/srv/park/basedati.mdb"));
+        QCOMPARE(p.pathData(), QStringLiteral("/srv/park/basedati.mdb"));
+        p.setPathData(QStringLiteral("/srv/park/basedati.mdb"));
+        p.setAvvio(true);
+        p.setAvvio(true);
+        p.setCompattaLocadati(4);
+        p.setMainGeometria(10, 20, 800, 600);
+        QCOMPARE(frame::SettingsStore::get(kSection, QStringLiteral("avvio")), QStringLiteral("S"));
+        QCOMPARE(frame::SettingsStore::get(QStringLiteral("contatori"), QStringLiteral("compattalocadati")), QStringLiteral("4"));
+        QCOMPARE(p.mainHeight(), std::optional<int>(600));
+        QStringList nomi;
+        for (const QList<QVariant> &segnale : std::as_const(cambiate))
+            nomi << segnale.first().toString();
+        QCOMPARE(nomi, (QStringList{"PathData", "Avvio", "CompattaLocadati", "MainLeft", "MainTop", "MainWidth", "MainHeight"}));
+        // Exactly one key in the file for the path, whatever the spellings used.
+        QCOMPARE(QString::fromUtf8(bytesOf(frame::SettingsStore::fileName())).count(QStringLiteral("pathdata="), Qt::CaseInsensitive), 1);
+    }
+
+    // The columns of the settings row through their typed readers: Null and the empty text alike, the year
+    // trimmed, the FTP user's default, the version a whole number or none, the logos' bytes or none.
+    void preferenzeColonne()
+    {
+        TestDatabase db;
+        frame::Preferenze &p = frame::preferenze();
+        frame::basedati().execute(QStringLiteral("update Impostazioni set AnnoEsercizio = ' 2027 ', VerDatabase = NULL, "
+                                                 "ILoginFTP = NULL, IRagSoc = NULL, FasciaDefault = ' 07 ', ILogoP = NULL"));
+        QCOMPARE(p.annoEsercizio(), QStringLiteral("2027"));
+        QCOMPARE(p.verDatabase(), std::nullopt);
+        QCOMPARE(p.iLoginFTP(), QStringLiteral("anonymous"));
+        QCOMPARE(p.iRagSoc(), QString());
+        QCOMPARE(p.fasciaDefault(), QStringLiteral(" 07 "));
+        QVERIFY(p.iLogoP().isNull());
+
+        const QByteArray png("\x89PNG\r\n\x1a\n\0\x01", 10);
+        p.setILogoP(png);
+        p.setVerDatabase(4);
+        p.setICap(QStringLiteral("00100"));
+        QCOMPARE(p.iLogoP(), png);
+        QVERIFY(p.iLogoS().isNull());
+        QCOMPARE(p.verDatabase(), std::optional<int>(4));
+        QCOMPARE(p.iCap(), QStringLiteral("00100"));
+        p.setILogoP(QByteArray());
+        QVERIFY(frame::basedati().scalar(QStringLiteral("select ILogoP is null from Impostazioni")).toBool());
+        frame::basedati().execute(QStringLiteral("update Impostazioni set VerDatabase = '4.5'"));
+        QCOMPARE(p.verDatabase(), std::nullopt);
+
+        // With no row every column reads empty, and a setter makes the row.
+        frame::basedati().execute(QStringLiteral("delete from Impostazioni"));
+        QCOMPARE(p.annoEsercizio(), QString());
+        QCOMPARE(p.stampaUscita(), QString());
+        p.setStampaUscita(QStringLiteral("S"));
+        QCOMPARE(frame::basedati().scalar(QStringLiteral("select count(*) from Impostazioni")).toInt(), 1);
+        QCOMPARE(p.stampaUscita(), QStringLiteral("S"));
+    }
+
+    // Column changes are announced at once outside a transaction; inside one only at its commit, and never
+    // when it rolls back, which also leaves the row as it was.
+    void preferenzeTransazione()
+    {
+        TestDatabase db;
+        frame::Preferenze &p = frame::preferenze();
+        p.setIRagSoc(QStringLiteral("Garage Roma"));
+        QSignalSpy cambiate(&p, &frame::Preferenze::cambiata);
+        p.setIRagSoc(QStringLiteral("Garage Roma"));
+        QCOMPARE(cambiate.size(), 0);
+        p.setIRagSoc(QStringLiteral("Garage Milano"));
+        QCOMPARE(cambiate.size(), 1);
+        QCOMPARE(cambiate.takeFirst().first().toString(), QStringLiteral("IRagSoc"));
+        {
+            frame::Preferenze::Transazione t(p);
+            p.setIRagSoc(QStringLiteral("Garage Torino"));
+            p.setOpAnnullare(QStringLiteral("N"));
+            QCOMPARE(cambiate.size(), 0);
+        }
+        QCOMPARE(cambiate.size(), 0);
+        QCOMPARE(p.iRagSoc(), QStringLiteral("Garage Milano"));
+        {
+            frame::Preferenze::Transazione t(p);
+            p.setIRagSoc(QStringLiteral("Garage Torino"));
+            p.setIRagSoc(QStringLiteral("Garage Napoli"));
+            p.setIIndHttp(p.iIndHttp());
+            QCOMPARE(cambiate.size(), 0);
+            t.commit();
+        }
+        QCOMPARE(cambiate.size(), 1);
+        QCOMPARE(p.iRagSoc(), QStringLiteral("Garage Napoli"));
+        p.setIRagSoc(QStringLiteral("Garage Bari"));
+        QCOMPARE(cambiate.size(), 2);
     }
 
     void startupSkipsAMissingDatabase()

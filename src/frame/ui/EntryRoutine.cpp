@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "admin/ui/frmAutoriz.h"
-#include "customers/ui/frmClienti.h"
 #include "frame/ui/EntryRoutine.h"
+
+#include "admin/ui/frmAutoriz.h"
+#include "admin/ui/frmimposta.h"
+#include "customers/ui/frmClienti.h"
 
 #include "frame/ui/frmLogin.h"
 #include "frame/ui/frmMain.h"
@@ -170,9 +172,11 @@ int EntryRoutine(int argc, char **argv, const std::function<void(QDialog &)> &lo
     pub().FormatoData = FormatoDataDiSistema();
 
     if (!QFileInfo::exists(pub().Pathdata)) {
-        // Only the settings window can name another database; until it is at hand the start ends here.
-        prompter.message(TestoLingua("M0082") + QStringLiteral("\n\n") + pub().Pathdata, Prompter::Icon::Stop);
-        return 1;
+        // Only the path can be given now, with no login and no main window; the new
+        // database is opened at the next start, so closing the window ends this one.
+        admin::frmimposta impostazioni(prompter, admin::frmimposta::Modo::Avvio);
+        impostazioni.show();
+        return app.exec();
     }
     frmMain main(prompter);
     RegistraFinestre(main);

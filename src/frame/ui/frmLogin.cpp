@@ -6,12 +6,12 @@
 #include "ui_frmLogin.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Rights.h"
 #include "frame/Routines.h"
 #include "frame/Session.h"
-#include "frame/SettingsStore.h"
 #include "frame/Version.h"
 #include "frame/widgets/Colori.h"
 #include "safety/Compaction.h"
@@ -74,7 +74,7 @@ bool frmLogin::prepara()
             const bool rinominato = PreparaAutorizzazioni(db);
             m_ui->TDBCUserName->clear();
             m_ui->TDBCUserName->addItems(ElencoUtenti(db));
-            QString ultimo = SettingsStore::get(QLatin1String(SettingsStore::Section), QStringLiteral("UltimoUtente"));
+            QString ultimo = preferenze().ultimoUtente();
             if (rinominato || ultimo.isEmpty())
                 ultimo = QStringLiteral("administrator");
             m_ui->TDBCUserName->setCurrentText(ultimo);

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frame/ui/frmMain.h"
 
+#include "admin/ui/frmimposta.h"
 #include "frame/ui/FrmPassword.h"
 #include "frame/ui/frmLogin.h"
 
 #include "frame/Language.h"
+#include "frame/Preferenze.h"
 #include "frame/Prompter.h"
 #include "frame/PublicState.h"
 #include "frame/Routines.h"
-#include "frame/SettingsStore.h"
 #include "frame/Version.h"
 #include "safety/Compaction.h"
 #include "safety/Update.h"
@@ -43,16 +44,6 @@ namespace frame {
 
 namespace {
 
-QString registro(const QString &key, const QString &def)
-{
-    return SettingsStore::get(QLatin1String(SettingsStore::Section), key, def);
-}
-
-void salva(const QString &key, const QString &value)
-{
-    SettingsStore::save(QLatin1String(SettingsStore::Section), key, value);
-}
-
 // The top menus that stay hidden until someone has signed in.
 const char *const MenuDopoAccesso[] = {"ana", "tab", "Sta", "ser", "Imp", "chiu", "mnuLan", "help"};
 
@@ -85,7 +76,7 @@ frmMain::frmMain(Prompter &prompter, QWidget *parent)
     setWindowTitle(QString::fromLatin1(TitoloApplicazione) + QLatin1Char(' ') + QString::fromLatin1(VersioneProgramma));
     restoreGeometryFromSettings();
 
-    const bool barra = registro(QStringLiteral("BarraStumenti"), QStringLiteral("S")) == QLatin1String("S");
+    const bool barra = preferenze().barraStrumenti();
     m_toolbar->setVisible(barra);
     m_azioni.value(QStringLiteral("BarraStrumenti"))->setChecked(barra);
 
@@ -140,8 +131,12 @@ void frmMain::creaMenu()
 
     QMenu *imp = top("Imp");
     azione(imp, "impostazioni", QString(), [this] {
-        if (pub().UtenteCorrente != QLatin1String("administrator"))
-            m_prompter.information(TestoLingua("M0373"));
+        if (pub().UtenteCorrente != QLatin1String("administrator")) {
+            m_prompter.information(TestoLingua("M0373")); // only the administrator opens the settings
+            return;
+        }
+        admin::frmimposta impostazioni(m_prompter, admin::frmimposta::Modo::Normale, this);
+        impostazioni.exec();
     });
     azione(imp, "Impostazioni_progressivi", QString(),
            [this] { MostraErrore(m_prompter, TestoLingua("CAP09") + QStringLiteral(": Impostazioni_progressivi")); });
@@ -298,20 +293,16 @@ QRect DentroSchermo(const QRect &voluta, const QRect &schermo)
 
 void frmMain::restoreGeometryFromSettings()
 {
-    auto number = [](const QString &text, int def) {
-        bool ok = false;
-        const int n = text.toInt(&ok);
-        return ok ? n : def;
-    };
-    const int left = number(registro(QStringLiteral("MainLeft"), QStringLiteral("0")), 0);
-    const int top = number(registro(QStringLiteral("MainTop"), QStringLiteral("0")), 0);
+    const Preferenze &pref = preferenze();
+    const int left = pref.mainLeft();
+    const int top = pref.mainTop();
     const QScreen *schermo = QGuiApplication::screenAt(QPoint(left, top));
     if (!schermo)
         schermo = QGuiApplication::primaryScreen();
     const QRect area = schermo ? schermo->availableGeometry() : QRect(0, 0, 1024, 768);
     // Junk or a size too small to use falls back to the screen's size.
-    int width = number(registro(QStringLiteral("MainWidth"), QString()), area.width());
-    int height = number(registro(QStringLiteral("MainHeight"), QString()), area.height());
+    int width = pref.mainWidth().value_or(area.width());
+    int height = pref.mainHeight().value_or(area.height());
     if (width < 200)
         width = area.width();
     if (height < 150)
@@ -468,7 +459,7 @@ void frmMain::PrimaAttivazione()
     try {
         if (pub().AnnoEsercizio.isEmpty()) {
             pub().AnnoEsercizio = QString::number(QDate::currentDate().year());
-            ScriveImpostazione(QStringLiteral("AnnoEsercizio"), pub().AnnoEsercizio);
+            preferenze().setAnnoEsercizio(pub().AnnoEsercizio);
         }
     } catch (const store::DbError &e) {
         MostraErrore(m_prompter, e.message());
@@ -508,14 +499,11 @@ void frmMain::calcolatrice()
 
 void frmMain::closeEvent(QCloseEvent *event)
 {
-    if (!isMinimized()) {
-        salva(QStringLiteral("MainLeft"), QString::number(x()));
-        salva(QStringLiteral("MainTop"), QString::number(y()));
-        salva(QStringLiteral("MainWidth"), QString::number(width()));
-        salva(QStringLiteral("MainHeight"), QString::number(height()));
-    }
-    salva(QStringLiteral("BarraStumenti"), m_azioni.value(QStringLiteral("BarraStrumenti"))->isChecked() ? QStringLiteral("S") : QStringLiteral("N"));
-    salva(QStringLiteral("InsertPremuto"), pub().InsertPremuto ? QStringLiteral("S") : QStringLiteral("N"));
+    Preferenze &pref = preferenze();
+    if (!isMinimized())
+        pref.setMainGeometria(x(), y(), width(), height());
+    pref.setBarraStrumenti(m_azioni.value(QStringLiteral("BarraStrumenti"))->isChecked());
+    pref.setInsertPremuto(pub().InsertPremuto);
     event->accept();
 }
 
