@@ -60,6 +60,33 @@ void MostraFallimento(Prompter &prompter, const store::DbError &e)
     prompter.stop(TestoLingua("M0126") + DueRighe + e.message()); // the operation has not been completed
 }
 
+// For its life the pages that a delete frees are not overwritten with zeros,
+// which the engine is built to do: clearing a million rows would else write
+// every page of the table twice, into the journal and into the file. The file
+// is encrypted all the same, and a compaction (service menu) drops free pages.
+class SenzaCancellazioneSicura {
+public:
+    explicit SenzaCancellazioneSicura(store::Database &db)
+        : m_db(db), m_prima(db.scalar(QStringLiteral("pragma secure_delete")).toInt())
+    {
+        m_db.execute(QStringLiteral("pragma secure_delete = 0"));
+    }
+    ~SenzaCancellazioneSicura()
+    {
+        try {
+            m_db.execute(QStringLiteral("pragma secure_delete = %1").arg(m_prima));
+        } catch (const store::DbError &) {
+            // A file closed meanwhile opens again with the engine's default.
+        }
+    }
+    SenzaCancellazioneSicura(const SenzaCancellazioneSicura &) = delete;
+    SenzaCancellazioneSicura &operator=(const SenzaCancellazioneSicura &) = delete;
+
+private:
+    store::Database &m_db;
+    int m_prima;
+};
+
 // Empties `tabella` but for the rows where `tenute` holds (all go when it is
 // empty), inside the caller's transaction. Row by row a million deletes would
 // run the triggers that keep the table's counts (named `conteggi`_...) and
@@ -92,26 +119,35 @@ void Svuota(store::Database &db, const QString &tabella, const QString &conteggi
         db.execute(t.second);
 }
 
-// Adds each customer's receipts and payments of `anno` to his opening
-// balances. Rows without a customer raise no balance; a customer no longer in
-// Clienti matches no row and his sum is dropped.
-void AggiornaSaldiClienti(store::Database &db, const QString &anno)
+// The receipts and payments of the year `anno`, with each customer's sums of
+// that year added to his opening balances, in one pass over the book: rows of
+// no customer count in the year's sums only, and a customer no longer in
+// Clienti matches no row, so his sum is dropped. The book holds one year as a
+// rule (the closing empties it), so it is read whole rather than by its index
+// on the year ("+" keeps the index out, not the column's collation).
+std::pair<Currency, Currency> SommeAnno(store::Database &db, const QString &anno)
 {
-    auto somme = db.prepare(QStringLiteral("select IdCliente, %1 from Cassa where Esercizio = ? and IdCliente is not null "
-                                           "group by IdCliente")
-                                .arg(QLatin1String(SommeCassa)));
+    auto somme = db.prepare(
+        QStringLiteral("select IdCliente, %1 from Cassa where +Esercizio = ? group by IdCliente").arg(QLatin1String(SommeCassa)));
     somme.bind(1, anno);
     // The balances are floating columns too: each is taken to its ten-thousandths,
     // added as an integer, and stored back as the nearest floating number.
     auto aggiorna = db.prepare(QStringLiteral(
         "update Clienti set SaldoEntrate = (round(ifnull(SaldoEntrate, 0) * 10000) + ?) / 10000.0, "
         "SaldoUscite = (round(ifnull(SaldoUscite, 0) * 10000) + ?) / 10000.0 where Id = ?"));
+    Currency entrate, uscite;
     while (somme.step()) {
-        aggiorna.bindAll({qint64(decimillesimi(somme.value(1)).raw()), qint64(decimillesimi(somme.value(2)).raw()), somme.value(0)});
+        const Currency e = decimillesimi(somme.value(1)), u = decimillesimi(somme.value(2));
+        entrate = entrate + e;
+        uscite = uscite + u;
+        if (somme.value(0).isNull())
+            continue;
+        aggiorna.bindAll({qint64(e.raw()), qint64(u.raw()), somme.value(0)});
         while (aggiorna.step()) {
         }
         aggiorna.reset();
     }
+    return {entrate, uscite};
 }
 
 // The single row of Impostazioni takes the new fiscal year; a file without
@@ -145,19 +181,11 @@ std::optional<DopoChiusura> ChiudiAnno(store::Database &db, Prompter &prompter, 
     dopo.annoCasella = oggi.year();
     const QString nuovoAnno = QString::number(oggi.year() + 1);
     try {
+        const SenzaCancellazioneSicura veloce(db);
         store::Transaction transazione(db);
-        {
-            auto st = db.prepare(QStringLiteral("select %1 from Cassa where Esercizio = ?").arg(QLatin1String(SommeCassa)));
-            st.bind(1, anno);
-            Currency entrate, uscite;
-            if (st.step()) {
-                entrate = decimillesimi(st.value(0));
-                uscite = decimillesimi(st.value(1));
-            }
-            dopo.contatori = {0, contatori.entrata + entrate, contatori.uscita + uscite};
-        }
+        const auto [entrate, uscite] = SommeAnno(db, anno);
+        dopo.contatori = {0, contatori.entrata + entrate, contatori.uscita + uscite};
         SalvaProgressivi(db, anno, {contatori.progressivo, dopo.contatori.entrata, dopo.contatori.uscita});
-        AggiornaSaldiClienti(db, anno);
 
         // Every cash row goes, of any year; posted and cancelled movements go.
         Svuota(db, QStringLiteral("Cassa"), QStringLiteral("CassaGiorni"), QString());
