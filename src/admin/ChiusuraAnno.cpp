@@ -60,30 +60,28 @@ void MostraFallimento(Prompter &prompter, const store::DbError &e)
     prompter.stop(TestoLingua("M0126") + DueRighe + e.message()); // the operation has not been completed
 }
 
-// For its life the pages that a delete frees are not overwritten with zeros,
-// which the engine is built to do: clearing a million rows would else write
-// every page of the table twice, into the journal and into the file. The file
-// is encrypted all the same, and a compaction (service menu) drops free pages.
-class SenzaCancellazioneSicura {
+// A setting of the connection changed for the guard's life, set back after.
+class PragmaPerOra {
 public:
-    explicit SenzaCancellazioneSicura(store::Database &db)
-        : m_db(db), m_prima(db.scalar(QStringLiteral("pragma secure_delete")).toInt())
+    PragmaPerOra(store::Database &db, const char *nome, int valore)
+        : m_db(db), m_nome(QLatin1String(nome)), m_prima(db.scalar(QStringLiteral("pragma ") + m_nome).toInt())
     {
-        m_db.execute(QStringLiteral("pragma secure_delete = 0"));
+        m_db.execute(QStringLiteral("pragma %1 = %2").arg(m_nome).arg(valore));
     }
-    ~SenzaCancellazioneSicura()
+    ~PragmaPerOra()
     {
         try {
-            m_db.execute(QStringLiteral("pragma secure_delete = %1").arg(m_prima));
+            m_db.execute(QStringLiteral("pragma %1 = %2").arg(m_nome).arg(m_prima));
         } catch (const store::DbError &) {
-            // A file closed meanwhile opens again with the engine's default.
+            // A file closed meanwhile opens again with the engine's defaults.
         }
     }
-    SenzaCancellazioneSicura(const SenzaCancellazioneSicura &) = delete;
-    SenzaCancellazioneSicura &operator=(const SenzaCancellazioneSicura &) = delete;
+    PragmaPerOra(const PragmaPerOra &) = delete;
+    PragmaPerOra &operator=(const PragmaPerOra &) = delete;
 
 private:
     store::Database &m_db;
+    QString m_nome;
     int m_prima;
 };
 
@@ -181,7 +179,14 @@ std::optional<DopoChiusura> ChiudiAnno(store::Database &db, Prompter &prompter, 
     dopo.annoCasella = oggi.year();
     const QString nuovoAnno = QString::number(oggi.year() + 1);
     try {
-        const SenzaCancellazioneSicura veloce(db);
+        // The pages a delete frees are not overwritten with zeros, as the engine
+        // is built to do: clearing a million rows would else write every page of
+        // the tables twice, into the journal and into the file. The file is
+        // encrypted all the same, and a compaction drops its free pages.
+        const PragmaPerOra senzaAzzerare(db, "secure_delete", 0);
+        // The kept movements and the sorting of the book stay in memory, not in
+        // a scratch file outside the encrypted database.
+        const PragmaPerOra inMemoria(db, "temp_store", 2);
         store::Transaction transazione(db);
         const auto [entrate, uscite] = SommeAnno(db, anno);
         dopo.contatori = {0, contatori.entrata + entrate, contatori.uscita + uscite};
