@@ -4,6 +4,8 @@
 // database path; then the window, driven as the administrator drives it.
 #include "admin/Impostazioni.h"
 #include "admin/ui/frmimposta.h"
+#include "images/Immagini.h"
+#include "images/ui/RiquadroLogo.h"
 #include "parking/ui/frmPark.h"
 
 #include "frame/Language.h"
@@ -21,6 +23,7 @@
 #include "support/TestWindows.h"
 
 #include <QComboBox>
+#include <QImage>
 #include <QLineEdit>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -390,28 +393,31 @@ private slots:
         QCOMPARE(c<QPushButton>(&f, "CmdAnnulla")->text(), QStringLiteral("&Chiudi"));
     }
 
-    // The logo hooks: the stored logos are handed to the boxes' loader, and the save writes what the boxes give;
-    // without hooks the logos read are written back unchanged.
+    // The logos through the window: the stored one shown and kept, one loaded from
+    // a file and zoomed, both written by the save and read back.
     void finestraLoghi()
     {
-        frame::preferenze().setILogoP(QByteArray("vecchio"));
-        {
-            admin::frmimposta f(m_prompter, admin::frmimposta::Modo::Normale);
-            QVERIFY(showActive(&f));
-            c<QPushButton>(&f, "Command8")->click();
-        }
-        QCOMPARE(frame::preferenze().iLogoP(), QByteArray("vecchio"));
+        QImage rosso(40, 30, QImage::Format_RGB32);
+        rosso.fill(Qt::red);
+        frame::preferenze().setILogoP(images::ImmagineInCampo(rosso).toByteArray());
+        QTemporaryDir cartella;
+        QImage blu(200, 100, QImage::Format_RGB32);
+        blu.fill(Qt::blue);
+        QVERIFY(blu.save(cartella.filePath(QStringLiteral("logo.png"))));
+
         admin::frmimposta f(m_prompter, admin::frmimposta::Modo::Normale);
-        QByteArray mostratoP, mostratoS("x");
-        f.mostraLoghi = [&](const QByteArray &p, const QByteArray &s) { mostratoP = p; mostratoS = s; };
-        f.logoP = [] { return QVariant(); };
-        f.logoS = [] { return QVariant(QByteArray("nuovo")); };
         QVERIFY(showActive(&f));
-        QCOMPARE(mostratoP, QByteArray("vecchio"));
-        QVERIFY(mostratoS.isNull());
+        auto *logoP = c<QWidget>(&f, "RiquadroLogoP")->findChild<images::RiquadroLogo *>();
+        auto *logoS = c<QWidget>(&f, "RiquadroLogoS")->findChild<images::RiquadroLogo *>();
+        QCOMPARE(logoP->immagine().size(), QSize(40, 30));
+        QVERIFY(logoS->immagine().isNull());
+        QVERIFY(logoS->caricaFile(cartella.filePath(QStringLiteral("logo.png"))));
+        logoS->zoomPiu();
+        logoS->zoomPiu();
         c<QPushButton>(&f, "Command8")->click();
-        QVERIFY(frame::preferenze().iLogoP().isNull());
-        QCOMPARE(frame::preferenze().iLogoS(), QByteArray("nuovo"));
+        QCOMPARE(images::ImmagineDaCampo(frame::preferenze().iLogoP()).pixelColor(0, 0), QColor(Qt::red));
+        QCOMPARE(images::ImmagineDaCampo(frame::preferenze().iLogoS()).size(), QSize(220, 110));
+        QVERIFY(logoS->zoom().isEmpty());
     }
 
     // The slip at entry, switched on in the settings, is printed at the next entry of the parking window

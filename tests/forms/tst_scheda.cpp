@@ -454,9 +454,22 @@ private slots:
         QVERIFY(perPagina > 20 && pagine > 1);
         QCOMPARE(pagine, (302 + perPagina - 1) / perPagina);
         QCOMPARE(bytesOf(dir.filePath(QStringLiteral("list.pdf"))).count("/Type /Page\n"), pagine);
+        // The same list for a spreadsheet: captions, then every row; a text with the separator is quoted.
+        frame::basedati().execute(QStringLiteral("update Fascia set DescrizioneFascia = 'Band \"A\", night' where id = 'F000'"));
+        m_form->CmdRefresh();
+        QCOMPARE(forms::StampaGriglia(*m_form->grdDataGrid(), QStringLiteral("Bands")).scriviCsv(dir.filePath(QStringLiteral("list.csv"))),
+                 QString());
+        const QList<QByteArray> csv = bytesOf(dir.filePath(QStringLiteral("list.csv"))).split('\n');
+        QCOMPARE(csv.size(), 302 + 2);
+        QCOMPARE(csv.at(0).trimmed(), (stampa.intestazioni().join(QLatin1Char(',')).toUtf8()));
+        QVERIFY(csv.contains("\"Band \"\"A\"\", night\",F000\r"));
+        QVERIFY(!forms::StampaGriglia(*m_form->grdDataGrid(), QString()).scriviCsv(dir.filePath(QStringLiteral("no/list.csv"))).isEmpty());
         bool anteprima = false;
         QTimer::singleShot(0, this, [&anteprima] {
             anteprima = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+            // The preview saves as PDF and as CSV.
+            anteprima = anteprima && QApplication::activeModalWidget()->findChild<QAction *>(QStringLiteral("saveCsv"))
+                        && QApplication::activeModalWidget()->findChild<QAction *>(QStringLiteral("savePdf"));
             QApplication::activeModalWidget()->close();
         });
         m_form->findChild<QPushButton *>(QStringLiteral("CmdStampa"))->click();

@@ -7,9 +7,12 @@
 #include "parking/ui/frmPark.h"
 #include "reports/engine/CrystalReport.h"
 #include "reports/engine/ReportChart.h"
+#include "reports/runs/ElencoPersonalizzato.h"
+#include "reports/runs/StampeElenchi.h"
 #include "reports/runs/StampeOpzioni.h"
 #include "reports/ui/frmStampaCassa.h"
 #include "reports/ui/frmStampaEstrattoC.h"
+#include "reports/ui/frmStampa.h"
 #include "reports/ui/frmStampaPark.h"
 #include "store/Database.h"
 
@@ -25,6 +28,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPrinterInfo>
 #include <QPushButton>
 #include <QRadioButton>
@@ -70,6 +74,21 @@ void riga(const QVariant &idCliente, const QDate &giorno, const QString &descriz
     frame::basedati().execute(
         QStringLiteral("insert into Cassa (IdCliente, Data, Descrizione, Entrata, Uscita, Esercizio) values (?, ?, ?, ?, ?, '2026')"),
         {idCliente, giorno.startOfDay(), descrizione, entrata, uscita});
+}
+
+// Keeps the pages of the last run sent to the window, as the preview would.
+struct VisoreProva final : reports::Visore {
+    std::shared_ptr<const reports::PagineReport> pagine;
+    void mostra(std::shared_ptr<const reports::PagineReport> p, int, double) override { pagine = std::move(p); }
+};
+
+// The lines of a CSV file as written, without the line ends.
+QStringList righeCsv(const QString &path)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(f.readAll()).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -337,6 +356,177 @@ private slots:
         QCOMPARE(report.lastRowCount(), 0);
         QVERIFY(report.laidOut(QStringLiteral("pageHeader")).value(0).texts.contains(QStringLiteral("Descrizione")));
         QVERIFY(report.laidOut(QStringLiteral("reportHeader")).value(0).texts.contains(QStringLiteral("Estratto conto")));
+    }
+
+    // The lists of the reports menu: template, selection, sorts and formulas by code.
+    void menuListRun_data()
+    {
+        QTest::addColumn<QString>("codice");
+        QTest::addColumn<QString>("modello");
+        QTest::addColumn<QString>("selezione");
+        QTest::addColumn<QString>("secondoOrdinamento");
+        QTest::addColumn<QString>("titolo");
+        const QString clienti = QStringLiteral("{Q_Clienti_Utenti.Cliente}=true");
+        QTest::newRow("C") << "C" << "elencocliente" << clienti << "" << "titolo='Customer list'";
+        QTest::newRow("F") << "F" << "elencofornitore" << "{Q_Clienti_Utenti.Cliente}=false" << "" << "titolo='Supplier list'";
+        QTest::newRow("CC") << "CC" << "elencocliente" << clienti + " and {Q_Clienti_Utenti.DataUltimoPagamento}<CurrentDate"
+                            << "+{Q_Clienti_Utenti.DataUltimoPagamento}" << "titolo='Customers with fee overdue'";
+        QTest::newRow("CA") << "CA" << "elencocliente" << clienti + " and {Q_Clienti_Utenti.DataScadenzaAssic}<CurrentDate"
+                            << "+{Q_Clienti_Utenti.DataScadenzaAssic}" << "titolo='Customers with insurance expired'";
+        QTest::newRow("unknown code") << "X" << "elencocliente" << "" << "" << "";
+    }
+    void menuListRun()
+    {
+        QFETCH(QString, codice);
+        const reports::Lancio l = reports::LancioElenco(codice, QStringLiteral("Veltano"));
+        QTEST(l.modello, "modello");
+        QTEST(l.selezione, "selezione");
+        QFETCH(QString, titolo);
+        QCOMPARE(l.formule.value(0), titolo);
+        if (!titolo.isEmpty()) {
+            QCOMPARE(l.ordinamenti.value(0), QStringLiteral("+{@Nominativo}"));
+            QTEST(l.ordinamenti.value(1), "secondoOrdinamento");
+        } else {
+            QVERIFY(l.ordinamenti.isEmpty());
+        }
+        QStringList nomi;
+        for (int i = 1; i <= 9; ++i)
+            nomi << l.formule.value(i).section(QLatin1Char('='), 0, 0);
+        QCOMPARE(nomi, (QStringList{"lbldescrizione", "lblmobile", "lblufficio", "lblcasa", "lblultimopagamento", "lblscadenzass",
+                                    "lblmarca", "lblmodello", "lblposto"}));
+        QCOMPARE(l.statoFinestra, 2);
+        QCOMPARE(l.titoloFinestra, QStringLiteral("Veltano"));
+    }
+
+    // The four lists printed from a small registry: who is in each, in which order,
+    // a name with quotes and accents as typed, and the overdue list saved as CSV.
+    void menuListsPrint()
+    {
+        QLocale::setDefault(QLocale::c());
+        frame::pub().FormatoData = QStringLiteral("dd/mm/yyyy");
+        store::Database &db = frame::basedati();
+        const QDate oggi = QDate::currentDate();
+        const auto scadenze = [&](qint64 id, const QVariant &canone, const QVariant &assicurazione) {
+            db.execute(QStringLiteral("update Clienti set DataUltimoPagamento = ?, DataScadenzaAssic = ? where Id = ?"),
+                       {canone, assicurazione, id});
+        };
+        scadenze(cliente(QStringLiteral("Rossi"), QStringLiteral("Anna")), oggi.addDays(-3).startOfDay(), oggi.addDays(-1).startOfDay());
+        scadenze(cliente(QStringLiteral("D'Àngelo"), QStringLiteral("Niccolò \"Nico\"")), oggi.addDays(-40).startOfDay(),
+                 oggi.addDays(10).startOfDay());
+        cliente(QStringLiteral("Bianchi"), QStringLiteral("Senza date"));
+        scadenze(cliente(QStringLiteral("Verdi"), QStringLiteral("Oggi")), oggi.startOfDay(), oggi.startOfDay());
+        cliente(QStringLiteral("Ferri & C."), QStringLiteral("Srl"), false);
+
+        ScriptedPrompter p;
+        VisoreProva visore;
+        reports::CrystalReport report(p, &visore);
+        report.setKeepLayout(true);
+        QTemporaryDir cartella;
+        report.setPrintFileName(cartella.filePath(QStringLiteral("elenco.pdf")));
+        // Laid out as the PDF file is written.
+        const auto nomi = [&](const char *codice) {
+            reports::Lancio l = reports::LancioElenco(QLatin1String(codice), QStringLiteral("Veltano"));
+            l.destinazione = reports::Lancio::ToFile;
+            if (!report.esegui(l))
+                return QStringList{report.lastError()};
+            QStringList n;
+            for (const reports::LaidOutSection &s : report.laidOut(QStringLiteral("detail")))
+                n << s.named.value(QStringLiteral("nominativo"));
+            return n;
+        };
+        QCOMPARE(nomi("C"), (QStringList{"Bianchi Senza date", "D'Àngelo Niccolò \"Nico\"", "Rossi Anna", "Verdi Oggi"}));
+        QCOMPARE(report.laidOut(QStringLiteral("reportHeader")).value(0).named.value(QStringLiteral("titolo")),
+                 frame::TestoLingua("M0361"));
+        QCOMPARE(nomi("F"), QStringList{"Ferri & C. Srl"});
+        // A deadline of today is not overdue; a customer without the date is in neither list.
+        QCOMPARE(nomi("CC"), (QStringList{"D'Àngelo Niccolò \"Nico\"", "Rossi Anna"}));
+        QCOMPARE(nomi("CA"), QStringList{"Rossi Anna"});
+        QVERIFY(p.messages.isEmpty());
+
+        QVERIFY(report.esegui(reports::LancioElenco(QStringLiteral("CC"), QString())));
+        QVERIFY(visore.pagine);
+        QCOMPARE(visore.pagine->writeCsv(cartella.filePath(QStringLiteral("cc.csv"))), QString());
+        const QStringList csv = righeCsv(cartella.filePath(QStringLiteral("cc.csv")));
+        QCOMPARE(csv.size(), 3);
+        QVERIFY2(csv.at(0).startsWith(frame::TestoLingua("M0210") + QLatin1Char(',') + frame::TestoLingua("M0185")), qPrintable(csv.at(0)));
+        QCOMPARE(csv.at(1).section(QLatin1Char(','), 0, 0), QStringLiteral("\"D'Àngelo Niccolò \"\"Nico\"\"\""));
+        QCOMPARE(csv.at(2).section(QLatin1Char(','), 4, 4), frame::TestoData(oggi.addDays(-3).startOfDay()));
+        // A file that can't be written is told, and nothing is left behind.
+        QVERIFY(!visore.pagine->writeCsv(cartella.filePath(QStringLiteral("no/such/dir/cc.csv"))).isEmpty());
+    }
+
+    // The custom list: fields picked once each, in order, over a filter's run;
+    // earlier formulas emptied; nothing to print without a field.
+    void customList()
+    {
+        reports::SceltaCampi scelta;
+        reports::Lancio filtro;
+        filtro.modello = QStringLiteral("Elenco");
+        filtro.selezione = QStringLiteral("{Q_Clienti_Utenti.Cliente}=true");
+        filtro.formule = {{0, "Descrizionefiltri0=''"}, {1, "Descrizionefiltri=''"}, {2, "Titolo='Lista'"}};
+        QVERIFY(!reports::LancioElencoPersonalizzato(filtro, scelta));
+        QVERIFY(scelta.aggiungiCampo(QStringLiteral("Cognome"), QStringLiteral("Surname")));
+        QVERIFY(!scelta.aggiungiCampo(QStringLiteral("Cognome"), QStringLiteral("Surname")));
+        QVERIFY(scelta.aggiungiCampo(QStringLiteral("Tel Cel"), QStringLiteral("Mobile")));
+        QVERIFY(scelta.aggiungiCampo(QStringLiteral("DataUltimoPagamento"), QStringLiteral("Customer's last payment")));
+        scelta.togliCampo(1);
+        QVERIFY(scelta.aggiungiOrdinamento(QStringLiteral("Nome")));
+        const std::optional<reports::Lancio> l = reports::LancioElencoPersonalizzato(filtro, scelta);
+        QVERIFY(l);
+        QCOMPARE(l->modello, QStringLiteral("ElencoPersonalizzato"));
+        QCOMPARE(l->selezione, filtro.selezione);
+        QVERIFY(l->svuota);
+        QVERIFY(l->ordinamenti.isEmpty());
+        QCOMPARE(l->formule.values().mid(3), (QStringList{"Campo1={Clienti.Cognome}", "TitoloCampo1='Surname'",
+                                                           "Campo2={Clienti.DataUltimoPagamento}",
+                                                           "TitoloCampo2='Customer''s last payment'"}));
+
+        // Printed after another list on the same engine: the slots it left are empty.
+        QLocale::setDefault(QLocale::c());
+        frame::pub().FormatoData = QStringLiteral("dd/mm/yyyy");
+        const qint64 id = cliente(QStringLiteral("O'Hara"), QStringLiteral("Zoë"));
+        frame::basedati().execute(QStringLiteral("update Clienti set DataUltimoPagamento = '2026-03-01 00:00:00' where Id = ?"), {id});
+        cliente(QStringLiteral("Fornitore"), QString(), false);
+        ScriptedPrompter p;
+        VisoreProva visore;
+        reports::CrystalReport report(p, &visore);
+        report.setKeepLayout(true);
+        QVERIFY(report.esegui(reports::LancioElenco(QStringLiteral("C"), QString())));
+        report.setFormulas(12, QStringLiteral("Campo3={Clienti.Email}"));
+        QTemporaryDir cartella;
+        report.setPrintFileName(cartella.filePath(QStringLiteral("personalizzato.pdf")));
+        reports::Lancio suFile = *l;
+        suFile.destinazione = reports::Lancio::ToFile;
+        QVERIFY2(report.esegui(suFile), qPrintable(report.lastError()));
+        const QList<reports::LaidOutSection> righe = report.laidOut(QStringLiteral("detail"));
+        QCOMPARE(righe.size(), 1);
+        QCOMPARE(righe.at(0).named.value(QStringLiteral("campo1")), QStringLiteral("O'Hara"));
+        QCOMPARE(righe.at(0).named.value(QStringLiteral("campo2")), QStringLiteral("01/03/2026"));
+        QCOMPARE(righe.at(0).named.value(QStringLiteral("campo3")), QString());
+        QCOMPARE(report.laidOut(QStringLiteral("pageHeader")).value(0).named.value(QStringLiteral("titolo2")),
+                 QStringLiteral("Customer's last payment"));
+
+        // The window: a field added twice counts once, remove and clear, and the choices stay when it is hidden.
+        reports::frmStampa f({{"Cognome", "Surname"}, {"Nome", "Name"}, {"Tel Cel", "Mobile"}});
+        auto *disponibili = f.findChild<QListWidget *>(QStringLiteral("ListFieldsCaption"));
+        const auto clic = [&](const char *bottone) { f.findChild<QPushButton *>(QLatin1String(bottone))->click(); };
+        disponibili->setCurrentRow(2);
+        clic("Command3");
+        clic("Command3");
+        disponibili->setCurrentRow(0);
+        clic("Command3");
+        QCOMPARE(f.scelta().campi(), (QStringList{"Tel Cel", "Cognome"}));
+        QCOMPARE(f.findChild<QListWidget *>(QStringLiteral("ListFieldsSelCaption"))->item(1)->text(), QStringLiteral("Surname"));
+        f.findChild<QListWidget *>(QStringLiteral("ListFieldsSelCaption"))->setCurrentRow(0);
+        clic("Command4");
+        f.findChild<QListWidget *>(QStringLiteral("ListSorts"))->setCurrentRow(1);
+        clic("Command5");
+        QCOMPARE(f.scelta().ordinamenti(), QStringList{"Nome"});
+        clic("CmdOkGrid");
+        QVERIFY(!f.isVisible());
+        QCOMPARE(f.scelta().campi(), QStringList{"Cognome"});
+        clic("Command1");
+        QVERIFY(f.scelta().campi().isEmpty() && f.scelta().ordinamenti().isEmpty());
     }
 
     // The statement's window: the list follows the option, a typed number shows

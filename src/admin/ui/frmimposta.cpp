@@ -3,6 +3,7 @@
 
 #include "ui_frmimposta.h"
 
+#include "admin/ChiusuraAnno.h"
 #include "admin/Impostazioni.h"
 #include "admin/Progressivi.h"
 #include "frame/Language.h"
@@ -12,8 +13,11 @@
 #include "frame/Routines.h"
 #include "frame/widgets/CasellaTesto.h"
 #include "frame/widgets/Colori.h"
+#include "images/ui/RiquadroLogo.h"
+#include "safety/ui/frmCopia.h"
 #include "store/DbError.h"
 
+#include <QDate>
 #include <QDir>
 #include <QFileDialog>
 #include <QLocale>
@@ -77,6 +81,15 @@ frmimposta::frmimposta(frame::Prompter &prompter, Modo modo, QWidget *parent)
             // The next key replaces the word: typing the word for yes over the one for no just works.
             casella->selectAll();
         });
+
+    // The two logo boxes: what they hold is read and saved with the settings.
+    m_logoP = new images::RiquadroLogo(m_prompter, QStringLiteral("LogoP"), m_ui->RiquadroLogoP);
+    m_logoS = new images::RiquadroLogo(m_prompter, QStringLiteral("LogoS"), m_ui->RiquadroLogoS);
+    m_ui->RiquadroLogoP->layout()->addWidget(m_logoP);
+    m_ui->RiquadroLogoS->layout()->addWidget(m_logoS);
+
+    connect(m_ui->CmdChiusura, &QPushButton::clicked, this, &frmimposta::CmdChiusura);
+    connect(m_ui->Command11, &QPushButton::clicked, this, &frmimposta::Command11);
 
     // A year picked in the list shows its counters.
     connect(m_ui->ComboAnno, &QComboBox::activated, this,
@@ -255,15 +268,16 @@ void frmimposta::leggeDati()
         frame::MostraErrore(m_prompter, e.message());
     }
     // A logo that can't be read leaves its box empty, without a word.
-    try {
-        const QByteArray p = frame::preferenze().iLogoP();
-        const QByteArray s = frame::preferenze().iLogoS();
-        m_logoPLetto = p.isNull() ? QVariant() : QVariant(p);
-        m_logoSLetto = s.isNull() ? QVariant() : QVariant(s);
-        if (mostraLoghi)
-            mostraLoghi(p, s);
-    } catch (const store::DbError &) {
-    }
+    const auto carica = [](images::RiquadroLogo *box, QByteArray (frame::Preferenze::*lettura)() const) {
+        try {
+            const QByteArray logo = (frame::preferenze().*lettura)();
+            box->caricaDaCampo(logo.isNull() ? QVariant() : QVariant(logo));
+        } catch (const store::DbError &) {
+            box->caricaDaCampo(QVariant());
+        }
+    };
+    carica(m_logoP, &frame::Preferenze::iLogoP);
+    carica(m_logoS, &frame::Preferenze::iLogoS);
     m_ui->TDBNumAnnoEsercizio->setText(frame::pub().AnnoEsercizio);
     riempieAnni();
     MostraProgressivi(frame::pub().AnnoEsercizio);
@@ -319,21 +333,52 @@ bool frmimposta::leggeImporto(QLineEdit *casella, store::Currency *importo)
     return false;
 }
 
-bool frmimposta::Salva()
+bool frmimposta::leggeContatori(Progressivi *contatori)
 {
-    DatiImpostazioni d;
-    d.anno = m_ui->TDBNumAnnoEsercizio->text();
     const QString numero = m_ui->TDBNumProgressivo->text().trimmed();
     bool ok = numero.isEmpty();
     if (!ok)
-        d.progressivi.progressivo = numero.toLongLong(&ok);
+        contatori->progressivo = numero.toLongLong(&ok);
     // A movement number is a Long of the database.
-    if (!ok || d.progressivi.progressivo > std::numeric_limits<qint32>::max()) {
+    if (!ok || contatori->progressivo > std::numeric_limits<qint32>::max()) {
         m_prompter.stop(TestoLingua("CAP21").arg(numero));
         m_ui->TDBNumProgressivo->setFocus();
         return false;
     }
-    if (!leggeImporto(m_ui->TxtNEnt, &d.progressivi.entrata) || !leggeImporto(m_ui->TxtNUsc, &d.progressivi.uscita))
+    return leggeImporto(m_ui->TxtNEnt, &contatori->entrata) && leggeImporto(m_ui->TxtNUsc, &contatori->uscita);
+}
+
+void frmimposta::CmdChiusura()
+{
+    Progressivi contatori;
+    if (!leggeContatori(&contatori))
+        return;
+    // A backup first, if the user wants one: the closing can be undone by a restore only.
+    const std::optional<DopoChiusura> dopo
+        = ChiudiAnno(frame::basedati(), m_prompter, frame::pub().AnnoEsercizio, contatori, QDate::currentDate(), [this] {
+              ::frmCopia copia(this);
+              copia.mostra(m_prompter);
+          });
+    if (!dopo)
+        return;
+    m_ui->TDBNumAnnoEsercizio->setText(QString::number(dopo->annoCasella));
+    m_ui->TDBNumProgressivo->setText(QString::number(dopo->contatori.progressivo));
+    m_ui->TxtNEnt->setText(testoImporto(dopo->contatori.entrata));
+    m_ui->TxtNUsc->setText(testoImporto(dopo->contatori.uscita));
+    close();
+}
+
+void frmimposta::Command11()
+{
+    if (RimuoviAnnullati(frame::basedati(), m_prompter, frame::pub().AnnoEsercizio))
+        close();
+}
+
+bool frmimposta::Salva()
+{
+    DatiImpostazioni d;
+    d.anno = m_ui->TDBNumAnnoEsercizio->text();
+    if (!leggeContatori(&d.progressivi))
         return false;
     d.azienda = {m_ui->IRagSoc->text(),   m_ui->IAttivita1->text(), m_ui->IAttivita2->text(), m_ui->IAttivita3->text(),
                  m_ui->IIndirizzo->text(), m_ui->ICap->text(),       m_ui->IPr->text(),        m_ui->ILocalita->text(),
@@ -347,12 +392,10 @@ bool frmimposta::Salva()
     o.StampaUscita = m_ui->StampaUscita->text();
     o.FasciaDefault = m_ui->FasciaDefault->text();
     o.avvioAutomatico = m_ui->OptionAuto->isChecked();
-    d.logoP = logoP ? logoP() : m_logoPLetto;
-    d.logoS = logoS ? logoS() : m_logoSLetto;
+    d.logoP = m_logoP->valorePerCampo();
+    d.logoS = m_logoS->valorePerCampo();
     if (!SalvaImpostazioni(m_prompter, d))
         return false;
-    m_logoPLetto = d.logoP;
-    m_logoSLetto = d.logoS;
     m_ui->CmdAnnulla->setText(QStringLiteral("&Chiudi"));
     return true;
 }

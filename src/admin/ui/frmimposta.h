@@ -20,7 +20,13 @@ namespace store {
 class Currency;
 }
 
+namespace images {
+class RiquadroLogo;
+}
+
 namespace admin {
+
+struct Progressivi;
 
 // The settings: company data and logos, the database path, the fiscal year's
 // counters and the working options. Data are read when the window is first shown.
@@ -37,16 +43,7 @@ public:
     ~frmimposta() override;
 
     Modo modo() const { return m_modo; }
-    // The controls, for the parts that plug into the window from outside
-    // (the logo boxes in RiquadroLogoP and RiquadroLogoS, the year-closing buttons).
     Ui::frmimposta &ui() const { return *m_ui; }
-
-    // The logo boxes' side. `mostraLoghi` gets the stored logos when the window
-    // reads its data (a null array for none); `logoP` and `logoS` give what the
-    // save writes (bytes, or a null QVariant to clear). Unset, the save keeps the
-    // logos as they were read.
-    std::function<void(const QByteArray &logoP, const QByteArray &logoS)> mostraLoghi;
-    std::function<QVariant()> logoP, logoS;
 
     // Shows the counters of `anno` (Show counters); M0023 when the table has no year.
     void MostraProgressivi(const QString &anno);
@@ -64,12 +61,17 @@ private:
     void applicaSiNo(QLineEdit *casella, const QString &testo);
     QList<QLineEdit *> caselleSiNo() const;
     bool leggeImporto(QLineEdit *casella, store::Currency *importo);
+    // The counters tab's boxes; false, with a message and the focus, when one can't be stored.
+    bool leggeContatori(Progressivi *contatori);
+    // The year closing and the removal of the cancelled movements; the window closes after either.
+    void CmdChiusura();
+    void Command11();
 
     Ui::frmimposta *m_ui;
     frame::Prompter &m_prompter;
     const Modo m_modo;
     bool m_letto = false;
-    QVariant m_logoPLetto, m_logoSLetto;
+    images::RiquadroLogo *m_logoP, *m_logoS; // the company logos, ILogoP and ILogoS
 };
 
 } // namespace admin
