@@ -82,15 +82,6 @@ class TestImpostazioni : public QObject {
     std::unique_ptr<TestDatabase> m_db;
     ScriptedPrompter m_prompter;
 
-    template <typename T = QLineEdit>
-    static T *c(QWidget *finestra, const char *nome)
-    {
-        T *w = finestra->findChild<T *>(QLatin1String(nome));
-        if (!w)
-            qFatal("no control %s", nome);
-        return w;
-    }
-
 private slots:
     void initTestCase()
     {

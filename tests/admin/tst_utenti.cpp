@@ -93,11 +93,6 @@ class TestUtenti : public QObject {
     ScriptedPrompter m_prompter;
     QStringList m_stato;
 
-    template <typename T = QLineEdit>
-    static T *c(QWidget &w, const char *nome)
-    {
-        return w.findChild<T *>(QLatin1String(nome));
-    }
 
 private slots:
     void init()

@@ -64,11 +64,6 @@ class TestClienti : public QObject {
     std::unique_ptr<TestDatabase> m_db;
     ScriptedPrompter m_prompter;
 
-    template <typename T = QLineEdit>
-    static T *c(QWidget &w, const char *nome)
-    {
-        return w.findChild<T *>(QLatin1String(nome));
-    }
 
 private slots:
     void init()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 #include <QApplication>
+#include <QLineEdit>
 #include <QTimer>
 #include <QtTest>
 
@@ -22,4 +23,19 @@ void whenModal(const F &f)
         else
             whenModal(f);
     });
+}
+
+// A control of a window by its object name; a name the window lacks ends the run.
+template <typename T = QLineEdit>
+T *c(QWidget &w, const char *nome)
+{
+    T *controllo = w.findChild<T *>(QLatin1String(nome));
+    if (!controllo)
+        qFatal("no control %s", nome);
+    return controllo;
+}
+template <typename T = QLineEdit>
+T *c(QWidget *w, const char *nome)
+{
+    return c<T>(*w, nome);
 }
