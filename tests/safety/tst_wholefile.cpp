@@ -4,12 +4,15 @@
 // file again afterwards, and the register goes on numbering without a gap.
 #include "parking/ui/FrmResto.h"
 #include "parking/ui/frmPark.h"
+#include "admin/ui/frmAutoriz.h"
 #include "customers/ui/frmClienti.h"
 #include "forms/RecordsetModel.h"
 #include "forms/Tabelle.h"
 #include "forms/ui/frmtabelle.h"
+#include "reports/ui/frmStampaEstrattoC.h"
 
 #include "frame/PublicState.h"
+#include "frame/Rights.h"
 #include "frame/Routines.h"
 #include "safety/Backup.h"
 #include "safety/Compaction.h"
@@ -21,6 +24,7 @@
 #include "support/TestDatabase.h"
 #include "support/TestWindows.h"
 
+#include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -240,7 +244,13 @@ private slots:
         t.CaricaTextFormatGriglia(forms::ImpostazioneCassa());
         customers::frmClienti w(m_prompter, customers::Modo::Clienti);
         w.setAttribute(Qt::WA_DeleteOnClose, false);
-        QVERIFY(showActive(&t) && showActive(&w));
+        pub().UtenteCorrente = QStringLiteral("administrator");
+        pub().IdUtenteCorrente = db.scalar(QStringLiteral("select id from Autorizzazioni where Utente = 'administrator'")).toInt();
+        frame::CostruisceElencoElementi();
+        admin::frmAutoriz u(m_prompter);
+        u.setAttribute(Qt::WA_DeleteOnClose, false);
+        reports::frmStampaEstrattoC estratto(m_prompter);
+        QVERIFY(showActive(&t) && showActive(&w) && showActive(&u) && showActive(&estratto));
         forms::RecordsetModel &m = t.datPrimaryRS();
         QCOMPARE(m.rowCount(), 2);
         QCOMPARE(w.findChild<QLineEdit *>(QStringLiteral("TxtT_21"))->text(), QStringLiteral("Secondo"));
@@ -256,7 +266,15 @@ private slots:
         w.bottoni(QStringLiteral("ok"));
         QCOMPARE(db.scalar(QStringLiteral("select group_concat(Descrizione) from Cassa where Descrizione = 'dopo'")).toString(), QStringLiteral("dopo"));
         QCOMPARE(db.scalar(QStringLiteral("select Nome from Clienti where Cognome = ?"), {ultimo}).toString(), QStringLiteral("dopo"));
-        QVERIFY(m_prompter.messages.isEmpty());
+        // The users window adds a user with his rights; the statement finds the customer left by the work.
+        u.bottoni(QStringLiteral("aggiungi"));
+        c(u, "TxtT_0")->setText(QStringLiteral("nuovo"));
+        u.bottoni(QStringLiteral("ok"));
+        QVERIFY(db.scalar(QStringLiteral("select count(*) from Accessi join Autorizzazioni on Autorizzazioni.id = IdAutorizzazioni "
+                                         "where Utente = 'nuovo'")).toInt() > 0);
+        c(estratto, "TxtTC_0")->setText(db.scalar(QStringLiteral("select Id from Clienti where Cognome = ?"), {ultimo}).toString());
+        QVERIFY(c<QComboBox>(estratto, "TDBComboC_0")->currentText().startsWith(ultimo));
+        QVERIFY2(m_prompter.messages.isEmpty(), qPrintable(m_prompter.texts().join(QLatin1Char('|'))));
     }
 };
 
