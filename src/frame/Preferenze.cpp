@@ -223,7 +223,7 @@ void Preferenze::setCompattaLocadati(int avvii)
 
 QVariant Preferenze::colonna(const char *nome) const
 {
-    store::Recordset rs(basedati(), QStringLiteral("select * from Impostazioni"));
+    store::Recordset rs(basedati(), QStringLiteral("select \"%1\" from Impostazioni").arg(QLatin1String(nome)));
     if (rs.isEmpty())
         return QVariant();
     rs.MoveFirst();
@@ -239,6 +239,9 @@ QString Preferenze::testo(const char *nome) const
 void Preferenze::scriviColonna(const char *nome, const QVariant &valore)
 {
     const QVariant prima = colonna(nome);
+    // A value that stays the same isn't written: a save of the whole tab rewrites only what changed.
+    if (prima.isValid() && prima.isNull() == valore.isNull() && uguali(prima, valore))
+        return;
     ScriveImpostazione(QLatin1String(nome), valore);
     if (uguali(prima, valore))
         return;

@@ -19,9 +19,20 @@ store::Database &basedati()
     return store::Connections::get(pub().Pathdata, store::keyFromConnect(pub().CodaConnessione));
 }
 
+namespace {
+
+// The settings row with only the id and one field: the row also holds the logos, large blobs that a
+// read or write of another field has no reason to carry.
+QString sqlImpostazione(const QString &campo)
+{
+    return QStringLiteral("select id, \"") + QString(campo).replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QStringLiteral("\" from Impostazioni");
+}
+
+} // namespace
+
 QVariant LeggeImpostazione(const QString &campo)
 {
-    store::Recordset rs(basedati(), QStringLiteral("select * from Impostazioni"));
+    store::Recordset rs(basedati(), sqlImpostazione(campo));
     if (rs.isEmpty())
         return QString();
     rs.MoveFirst();
@@ -31,7 +42,7 @@ QVariant LeggeImpostazione(const QString &campo)
 
 void ScriveImpostazione(const QString &campo, const QVariant &valore)
 {
-    store::Recordset rs(basedati(), QStringLiteral("select * from Impostazioni"));
+    store::Recordset rs(basedati(), sqlImpostazione(campo));
     if (rs.isEmpty()) {
         rs.AddNew();
     } else {

@@ -203,6 +203,7 @@ RiquadroLogo::~RiquadroLogo() = default;
 
 void RiquadroLogo::setImmagine(const QImage &immagine)
 {
+    m_campo = QVariant();
     m_zoom.clear();
     m_vista->imposta(immagine, 1.0);
     aggiornaStato();
@@ -222,12 +223,15 @@ QVariant RiquadroLogo::valorePerCampo()
 {
     if (!m_zoom.isEmpty())
         setImmagine(ApplicaZoom(immagine(), FattoreZoom(m_zoom)));
-    return ImmagineInCampo(immagine());
+    // A logo as it was read goes back as it was: encoding a large picture again costs a tenth of a second.
+    return m_campo.isValid() ? m_campo : ImmagineInCampo(immagine());
 }
 
 void RiquadroLogo::caricaDaCampo(const QVariant &valore)
 {
     setImmagine(ImmagineDaCampo(valore));
+    if (!immagine().isNull())
+        m_campo = valore;
 }
 
 void RiquadroLogo::acquisisciScanner()

@@ -66,6 +66,7 @@ private:
     frame::Prompter &m_prompter;
     QString m_nome;
     QString m_zoom; // the factor as text, as the box keeps it; "" counts as 1
+    QVariant m_campo; // the field's bytes while the picture is as they hold it
     QScrollArea *m_area;
     VistaLogo *m_vista;
     QPushButton *m_acquisisci;
