@@ -226,6 +226,8 @@ private slots:
     // change is announced; the user is told why.
     void salvaUnaTransazione()
     {
+        // A value the save changes, so that it writes the column that fails.
+        frame::basedati().execute(QStringLiteral("update Impostazioni set StampaUscita = 'prima'"));
         frame::basedati().executeScript(QStringLiteral(
             "CREATE TRIGGER guasto BEFORE UPDATE OF StampaUscita ON Impostazioni BEGIN SELECT RAISE(ABORT, 'disk full'); END;"));
         const QStringList prima = istantanea();
