@@ -284,7 +284,6 @@ private slots:
     // --- The logo box and the large view ---
     void riquadroSelezionaTagliaSalva()
     {
-        TestDatabase db;
         ScriptedPrompter prompter;
         QTemporaryDir dir;
         const QString percorso = dir.filePath(QStringLiteral("logo.png"));
@@ -326,26 +325,21 @@ private slots:
         QCOMPARE(riquadro.zoom(), QStringLiteral("1"));
         QCOMPARE(labZoom->text(), QStringLiteral("100%"));
 
-        // Saving resizes the image itself by the zoom and puts the zoom back to 1.
+        // Saving resizes the image itself by the zoom and puts the zoom back to 1; what it gives reads back
+        // the same (the settings window's tests store and reload it).
         QTest::mouseClick(bottone(&riquadro, "ComZoomM"), Qt::LeftButton);
         QTest::mouseClick(bottone(&riquadro, "ComZoomM"), Qt::LeftButton);
         const QVariant campo = riquadro.valorePerCampo();
         QCOMPARE(riquadro.immagine().size(), QSize(54, 45));
         QVERIFY(riquadro.zoom().isEmpty());
         QCOMPARE(labZoom->text(), QStringLiteral("100%"));
-        frame::ScriveImpostazione(QStringLiteral("ILogoP"), campo);
-
-        images::RiquadroLogo riletto(prompter, QStringLiteral("LogoP"));
-        riletto.caricaDaCampo(frame::LeggeImpostazione(QStringLiteral("ILogoP")));
-        QCOMPARE(riletto.immagine().size(), QSize(54, 45));
-        QCOMPARE(riletto.immagine().convertToFormat(QImage::Format_RGB32),
+        QCOMPARE(images::ImmagineDaCampo(campo).convertToFormat(QImage::Format_RGB32),
                  riquadro.immagine().convertToFormat(QImage::Format_RGB32));
         QVERIFY(prompter.messages.isEmpty());
     }
 
     void riquadroRifiutiEdElimina()
     {
-        TestDatabase db;
         ScriptedPrompter prompter;
         QTemporaryDir dir;
         images::RiquadroLogo riquadro(prompter, QStringLiteral("LogoS"));
@@ -376,9 +370,8 @@ private slots:
         // The deleted logo stores null and reloads as an empty, hidden box.
         const QVariant campo = riquadro.valorePerCampo();
         QVERIFY(campo.isNull());
-        frame::ScriveImpostazione(QStringLiteral("ILogoS"), campo);
         riquadro.setImmagine(motivo(5, 5));
-        riquadro.caricaDaCampo(frame::LeggeImpostazione(QStringLiteral("ILogoS")));
+        riquadro.caricaDaCampo(campo);
         QVERIFY(riquadro.immagine().isNull());
         QVERIFY(!vista->isVisible());
         riquadro.setImmagine(motivo(5, 5));
