@@ -183,9 +183,6 @@ private slots:
         QTEST(c.Telefono(numero), "esito");
         QCOMPARE(d.aperti, url.isEmpty() ? QStringList() : QStringList{url});
         QCOMPARE(p.texts(), messaggio.isEmpty() ? QStringList() : QStringList{ErroreChiamata + messaggio});
-        // The reasons no desktop gives keep their texts.
-        QCOMPARE(customers::MotivoErroreChiamata(customers::CodaPiena), QStringLiteral("The queue of pending Windows Telephony dialing requests is full."));
-        QCOMPARE(customers::MotivoErroreChiamata(-7), QStringLiteral("Unknown error."));
     }
 
     void email_data()
