@@ -23,7 +23,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLineEdit>
-#include <QPrintPreviewDialog>
+#include <QDialog>
 #include <QPushButton>
 #include <QTest>
 #include <QTextStream>
@@ -57,10 +57,10 @@ struct Cieco final : reports::Visore {
     void mostra(std::shared_ptr<const reports::PagineReport>, int, double) override {}
 };
 
-QPrintPreviewDialog *anteprima()
+QDialog *anteprima()
 {
     for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *d = qobject_cast<QPrintPreviewDialog *>(w); d && d->isVisible())
+        if (auto *d = qobject_cast<QDialog *>(w); d && d->isVisible() && d->objectName() == QLatin1String("AnteprimaReport"))
             return d;
     return nullptr;
 }
