@@ -16,6 +16,7 @@
 #include <QDateTime>
 #include <QFile>
 #include <QLocale>
+#include <QMessageBox>
 #include <QPaintEngine>
 #include <QSpinBox>
 #include <QPrinterInfo>
@@ -529,6 +530,7 @@ private slots:
         QVERIFY(n >= 3);
         reports::AnteprimaReport *preview = m_visore.finestra();
         QVERIFY(preview);
+        preview->activateWindow(); // the keys below go to the active window
         QVERIFY(QTest::qWaitForWindowActive(preview));
         auto *numero = preview->findChild<QSpinBox *>(u"numeroPagina"_s);
         QVERIFY(numero);
@@ -567,6 +569,19 @@ private slots:
         const QImage shown = preview->immagine(preview->pagina(), qRound(96 * preview->zoom()));
         QVERIFY(!shown.isNull());
         QVERIFY(shown.width() <= preview->width());
+
+        // Print with no printer installed says so and prints nothing.
+        if (QPrinterInfo::availablePrinters().isEmpty()) {
+            QString detto;
+            QTimer::singleShot(0, preview, [&detto] {
+                if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                    detto = box->text();
+                    box->close();
+                }
+            });
+            azione("stampa");
+            QVERIFY2(detto.contains(u"No printer is installed"_s), qPrintable(detto));
+        }
         preview->close();
         QTRY_VERIFY(!m_visore.finestra());
         QVERIFY(p.messages.isEmpty());

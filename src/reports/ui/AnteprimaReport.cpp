@@ -28,8 +28,9 @@ namespace {
 
 constexpr int ScreenDpi = 96;           // the resolution at which zoom 1 shows the page at its real size
 constexpr int Margine = 12;             // grey around the page, in pixels
-constexpr std::size_t Tenute = 4;       // pages kept drawn
-constexpr double ZoomMin = 0.1, ZoomMax = 8, Passo = 1.25;
+constexpr std::size_t Tenute = 3;       // pages kept drawn, at the zoom in use
+// A page at the largest zoom is an image of some 60 MB: the bound keeps the few held well under the memory goal.
+constexpr double ZoomMin = 0.1, ZoomMax = 4, Passo = 1.25;
 
 } // namespace
 
@@ -59,6 +60,7 @@ AnteprimaReport::AnteprimaReport(std::shared_ptr<const PagineReport> pagine, dou
     auto *bar = new QToolBar(this);
     // CAP75: the toolbar's captions, parted by "|": first, previous, next, last page, zoom out, zoom in, fit width, print.
     const QStringList testi = frame::TestoLingua("CAP75").split(QLatin1Char('|'));
+    // Qt's own preview icons; where a Qt lacks them the buttons show their captions.
     const auto azione = [&](int testo, const char *nome, const char *icona, QKeySequence tasto, auto fa) {
         QAction *a = bar->addAction(QIcon(QStringLiteral(":/qt-project.org/dialogs/qprintpreviewdialog/images/%1-24.png")
                                               .arg(QLatin1String(icona))),
@@ -82,9 +84,9 @@ AnteprimaReport::AnteprimaReport(std::shared_ptr<const PagineReport> pagine, dou
     bar->addSeparator();
     azione(4, "zoomMeno", "zoom-out", QKeySequence::ZoomOut, [this] { setZoom(this->zoom() / Passo); });
     azione(5, "zoomPiu", "zoom-in", QKeySequence::ZoomIn, [this] { setZoom(this->zoom() * Passo); });
-    azione(6, "adattaLarghezza", "fit-width", QKeySequence(), [this] { setZoom(0); });
+    azione(6, "adattaLarghezza", "zoom-fit-width", QKeySequence(), [this] { setZoom(0); });
     bar->addSeparator();
-    azione(7, "stampa", "print", QKeySequence::Print, [this] { stampa(); });
+    azione(7, "stampa", "printer", QKeySequence::Print, [this] { stampa(); });
     frame::AggiungeEsportazioni(
         *bar, m_pagine->titolo(), [p = m_pagine](const QString &path) { return p->writePdf(path); },
         [p = m_pagine](const QString &path) { return p->writeCsv(path); });
@@ -157,6 +159,7 @@ QImage AnteprimaReport::immagine(int pagina, int dpi)
                                      [&](const Disegnata &d) { return d.pagina == pagina && d.dpi == dpi; });
     if (tenuta != m_disegnate.end())
         return tenuta->immagine;
+    std::erase_if(m_disegnate, [dpi](const Disegnata &d) { return d.dpi != dpi; }); // another zoom's pages won't be shown again soon
     // The engine lays the page out at the image's resolution, so the text is sharp at every zoom.
     const QSizeF mm = m_pagine->pageLayout().fullRect(QPageLayout::Millimeter).size();
     QImage img(int(std::lround(mm.width() * dpi / 25.4)), int(std::lround(mm.height() * dpi / 25.4)), QImage::Format_RGB32);
