@@ -6,7 +6,6 @@
 #include <deque>
 #include <memory>
 
-class QAction;
 class QScrollArea;
 class QSpinBox;
 
