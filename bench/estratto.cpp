@@ -3,8 +3,7 @@
 // the year among 1,000,000 cash rows and 100,000 customers and suppliers (PATH, by
 // default bench-data/cassa.mdb, written when missing): the statement and its
 // daily-balance graph to a PDF file, and from the window's Print to the first
-// page of the preview painted (the preview records every page before it shows the
-// first). The rows the benchmark adds are removed at the end.
+// page of the preview painted (the preview draws only the page it shows). The rows the benchmark adds are removed at the end.
 // Goals: the PDF under 5 s, the first page under 1 s, under 500 MB resident.
 #include "AlwaysOk.h"
 #include "Generator.h"
@@ -23,7 +22,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLineEdit>
-#include <QPrintPreviewDialog>
+#include <QDialog>
 #include <QPushButton>
 #include <QTest>
 #include <QTextStream>
@@ -57,10 +56,10 @@ struct Cieco final : reports::Visore {
     void mostra(std::shared_ptr<const reports::PagineReport>, int, double) override {}
 };
 
-QPrintPreviewDialog *anteprima()
+QDialog *anteprima()
 {
     for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *d = qobject_cast<QPrintPreviewDialog *>(w); d && d->isVisible())
+        if (auto *d = qobject_cast<QDialog *>(w); d && d->isVisible() && d->objectName() == QLatin1String("AnteprimaReport"))
             return d;
     return nullptr;
 }

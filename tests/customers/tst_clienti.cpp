@@ -21,7 +21,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPrintPreviewDialog>
 #include <QPushButton>
 #include <QTableView>
 #include <QTabWidget>
@@ -287,7 +286,7 @@ private slots:
         const auto anteprime = [] {
             int n = 0;
             for (QWidget *t : QApplication::topLevelWidgets())
-                if (qobject_cast<QPrintPreviewDialog *>(t) && t->isVisible()) {
+                if (t->objectName() == QLatin1String("AnteprimaReport") && t->isVisible()) {
                     ++n;
                     t->close();
                 }

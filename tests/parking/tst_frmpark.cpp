@@ -20,7 +20,6 @@
 #include "support/Colonne.h"
 
 #include <QAction>
-#include <QPrintPreviewDialog>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -424,10 +423,10 @@ private slots:
         m_park->pulsante(QStringLiteral("stampa"))->trigger();
         QCOMPARE(m_park->filtri()->modo(), forms::PannelloFiltro::Modo::Stampa);
         m_park->Command6();
-        QPrintPreviewDialog *anteprima = nullptr;
+        QWidget *anteprima = nullptr;
         for (QWidget *w : QApplication::topLevelWidgets())
-            if (auto *d = qobject_cast<QPrintPreviewDialog *>(w); d && d->isVisible())
-                anteprima = d;
+            if (w->objectName() == QLatin1String("AnteprimaReport") && w->isVisible())
+                anteprima = w;
         QVERIFY(anteprima);
         anteprima->close();
         QVERIFY(m_prompter.messages.isEmpty());

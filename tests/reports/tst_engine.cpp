@@ -6,6 +6,7 @@
 
 #include "frame/PublicState.h"
 #include "reports/engine/CrystalReport.h"
+#include "reports/ui/AnteprimaReport.h"
 #include "reports/ui/VisoreAnteprima.h"
 #include "store/Connections.h"
 #include "store/Database.h"
@@ -15,7 +16,9 @@
 #include <QDateTime>
 #include <QFile>
 #include <QLocale>
-#include <QPrintPreviewDialog>
+#include <QMessageBox>
+#include <QPaintEngine>
+#include <QSpinBox>
 #include <QPrinterInfo>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -62,6 +65,47 @@ void traffic(int month, int day, int count, int firstNumber)
         movement(firstNumber + i, in, in.addSecs(3600), u"AB%1CD"_s.arg(100 + i), 2.5);
     }
 }
+
+// Keeps the pages of a run sent to the window.
+struct Pagine final : reports::Visore {
+    void mostra(std::shared_ptr<const reports::PagineReport> p, int, double) override { pagine = std::move(p); }
+    std::shared_ptr<const reports::PagineReport> pagine;
+};
+
+// A page-sized device that notes the texts drawn on it instead of drawing them.
+class Testi final : public QPaintDevice, QPaintEngine {
+public:
+    explicit Testi(QSizeF mm) : QPaintEngine(AllFeatures), m_mm(mm) {}
+    QStringList testi;
+
+    QPaintEngine *paintEngine() const override { return const_cast<Testi *>(this); }
+    bool begin(QPaintDevice *) override { return true; }
+    bool end() override { return true; }
+    void updateState(const QPaintEngineState &) override {}
+    void drawPixmap(const QRectF &, const QPixmap &, const QRectF &) override {}
+    void drawPolygon(const QPointF *, int, PolygonDrawMode) override {}
+    void drawTextItem(const QPointF &, const QTextItem &item) override { testi << item.text(); }
+    Type type() const override { return User; }
+
+protected:
+    int metric(PaintDeviceMetric m) const override
+    {
+        switch (m) {
+        case PdmWidth: return int(m_mm.width() * Dpi / 25.4);
+        case PdmHeight: return int(m_mm.height() * Dpi / 25.4);
+        case PdmWidthMM: return int(m_mm.width());
+        case PdmHeightMM: return int(m_mm.height());
+        case PdmDpiX: case PdmDpiY: case PdmPhysicalDpiX: case PdmPhysicalDpiY: return Dpi;
+        case PdmDevicePixelRatioScaled: return int(devicePixelRatioFScale());
+        case PdmDepth: return 32;
+        default: return 1;
+        }
+    }
+
+private:
+    static constexpr int Dpi = 300;
+    QSizeF m_mm;
+};
 
 } // namespace
 
@@ -385,6 +429,56 @@ private slots:
         QVERIFY(p.messages.at(0).text.contains(QLatin1String("No printer is installed")));
     }
 
+    // Pages drawn one at a time, as the preview shows them, are the pages of the whole run.
+    void onePageIsPaintedAlone()
+    {
+        traffic(5, 4, 40, 1);
+        traffic(5, 5, 40, 100);
+        traffic(5, 6, 40, 200);
+        CrystalReport &r = report(u"park"_s);
+        QVERIFY(r.setAction(1));
+        const int n = r.lastPageCount();
+        QVERIFY(n >= 3);
+        Pagine visore;
+        CrystalReport finestra(p, &visore);
+        prepare(finestra, u"park"_s);
+        finestra.setDestination(CrystalReport::ToWindow);
+        QVERIFY(finestra.setAction(1));
+        QCOMPARE(visore.pagine->pageCount(), n);
+
+        // paintPage(k) draws every text the run laid out on page k, and no other page's number,
+        // whatever page was drawn before it.
+        const QSizeF mm = visore.pagine->pageLayout().fullRect(QPageLayout::Millimeter).size();
+        for (int k : {2, n, 1, n - 1}) {
+            Testi device(mm);
+            QPainter painter(&device);
+            visore.pagine->paintPage(painter, device, k);
+            painter.end();
+            QStringList resto = device.testi;
+            for (const reports::LaidOutSection &s : r.lastLayout())
+                for (const QString &t : s.texts)
+                    if (s.page == k && !t.isEmpty())
+                        QVERIFY2(resto.removeOne(t), qPrintable(u"page %1 lacks \"%2\""_s.arg(k).arg(t)));
+            const QStringList numeri = device.testi.filter(QRegularExpression(u"^\\d+ / %1$"_s.arg(n)));
+            QCOMPARE(numeri, QStringList{u"%1 / %2"_s.arg(k).arg(n)});
+        }
+
+        // On an image: drawn, the same each time, and each page its own.
+        const auto immagine = [&](int k) {
+            QImage img(int(mm.width() * 96 / 25.4), int(mm.height() * 96 / 25.4), QImage::Format_RGB32);
+            img.setDotsPerMeterX(3780);
+            img.setDotsPerMeterY(3780);
+            img.fill(Qt::white);
+            QPainter painter(&img);
+            visore.pagine->paintPage(painter, img, k);
+            return img;
+        };
+        const QImage seconda = immagine(2);
+        QVERIFY(immagine(1) != seconda); // neither page is blank
+        immagine(n);
+        QCOMPARE(immagine(2), seconda);
+    }
+
     void previewOpensInItsOwnWindow()
     {
         traffic(7, 1, 4, 1);
@@ -393,14 +487,82 @@ private slots:
         r.setWindowState(2);
         r.setWindowTitle(u"Parking report"_s);
         QVERIFY2(r.setAction(1), qPrintable(r.lastError()));
-        QPrintPreviewDialog *preview = m_visore.finestra();
+        reports::AnteprimaReport *preview = m_visore.finestra();
         QVERIFY(preview);
         QVERIFY(preview->isVisible());
         QVERIFY(!preview->isModal());
         QCOMPARE(preview->windowTitle(), u"Parking report"_s);
         QVERIFY(preview->windowState() & Qt::WindowMaximized);
         QVERIFY(preview->findChild<QAction *>(u"savePdf"_s));
+        QVERIFY(preview->findChild<QAction *>(u"saveCsv"_s));
         QTimer::singleShot(50, preview, &QWidget::close);
+        QTRY_VERIFY(!m_visore.finestra());
+        QVERIFY(p.messages.isEmpty());
+    }
+
+    // The preview shows page 1 first and turns pages from its buttons, its keys and its page box.
+    void previewTurnsPagesAndZooms()
+    {
+        traffic(5, 4, 40, 1);
+        traffic(5, 5, 40, 100);
+        CrystalReport &r = report(u"park"_s);
+        r.setDestination(CrystalReport::ToWindow);
+        r.setZoom(1);
+        QVERIFY(r.setAction(1));
+        const int n = r.lastPageCount();
+        QVERIFY(n >= 3);
+        reports::AnteprimaReport *preview = m_visore.finestra();
+        QVERIFY(preview);
+        preview->activateWindow(); // the keys below go to the active window
+        QVERIFY(QTest::qWaitForWindowActive(preview));
+        auto *numero = preview->findChild<QSpinBox *>(u"numeroPagina"_s);
+        QVERIFY(numero);
+        QCOMPARE(preview->pagina(), 1);
+        QCOMPARE(preview->pagine(), n);
+        QCOMPARE(numero->text(), u"1 / %1"_s.arg(n));
+        QCOMPARE(preview->zoom(), 1.0);
+
+        const auto azione = [&](const char *nome) { preview->findChild<QAction *>(QLatin1String(nome))->trigger(); };
+        azione("paginaDopo");
+        QCOMPARE(numero->value(), 2);
+        azione("ultimaPagina");
+        azione("paginaDopo");
+        QCOMPARE(preview->pagina(), n); // no page after the last
+        QTest::keyClick(preview, Qt::Key_Home);
+        QCOMPARE(preview->pagina(), 1);
+        QTest::keyClick(preview, Qt::Key_PageDown);
+        QCOMPARE(preview->pagina(), 2);
+        QTest::keyClick(preview, Qt::Key_End);
+        QTest::keyClick(preview, Qt::Key_PageUp);
+        QCOMPARE(preview->pagina(), n - 1);
+        numero->setValue(2);
+        QCOMPARE(preview->pagina(), 2);
+
+        // Zoom in, out, and the page's width fitted to the window.
+        QTest::keyClick(preview, Qt::Key_Plus, Qt::ControlModifier);
+        QCOMPARE(preview->zoom(), 1.25);
+        azione("zoomMeno");
+        azione("zoomMeno");
+        QCOMPARE(preview->zoom(), 0.8);
+        azione("adattaLarghezza");
+        QVERIFY(preview->adattaLarghezza());
+        const QImage shown = preview->immagine(preview->pagina(), qRound(96 * preview->zoom()));
+        QVERIFY(!shown.isNull());
+        QVERIFY(shown.width() <= preview->width());
+
+        // Print with no printer installed says so and prints nothing.
+        if (QPrinterInfo::availablePrinters().isEmpty()) {
+            QString detto;
+            QTimer::singleShot(0, preview, [&detto] {
+                if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                    detto = box->text();
+                    box->close();
+                }
+            });
+            azione("stampa");
+            QVERIFY2(detto.contains(u"No printer is installed"_s), qPrintable(detto));
+        }
+        preview->close();
         QTRY_VERIFY(!m_visore.finestra());
         QVERIFY(p.messages.isEmpty());
     }

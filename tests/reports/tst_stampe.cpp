@@ -24,7 +24,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QPrintPreviewDialog>
 #include <QImage>
 #include <QPainter>
 #include <QLineEdit>
@@ -580,10 +579,10 @@ private slots:
         p.messages.clear();
         QTest::mouseClick(w.findChild<QPushButton *>(QStringLiteral("Okstampa")), Qt::LeftButton);
         QVERIFY(p.messages.isEmpty());
-        QPrintPreviewDialog *anteprima = nullptr;
+        QWidget *anteprima = nullptr;
         for (QWidget *t : QApplication::topLevelWidgets())
-            if (auto *d = qobject_cast<QPrintPreviewDialog *>(t); d && d->isVisible())
-                anteprima = d;
+            if (t->objectName() == QLatin1String("AnteprimaReport") && t->isVisible())
+                anteprima = t;
         QVERIFY(anteprima);
         QCOMPARE(anteprima->windowTitle(), frame::TestoLingua("M0318"));
         QVERIFY(w.isVisible());

@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QPainter>
 #include <QPrintPreviewDialog>
+#include <QToolBar>
 #include <QPrinter>
 #include <QTableView>
 
@@ -197,9 +198,10 @@ void AnteprimaGriglia(QTableView &griglia, const QString &titolo, QWidget *paren
     QPrintPreviewDialog anteprima(&stampante, parent);
     anteprima.setWindowTitle(titolo);
     QObject::connect(&anteprima, &QPrintPreviewDialog::paintRequested, &anteprima, [&stampa](QPrinter *p) { stampa.stampa(*p); });
-    frame::AggiungeEsportazioni(
-        anteprima, titolo, [&stampa](const QString &path) { return stampa.scriviPdf(path); },
-        [&stampa](const QString &path) { return stampa.scriviCsv(path); });
+    if (auto *bar = anteprima.findChild<QToolBar *>())
+        frame::AggiungeEsportazioni(
+            *bar, titolo, [&stampa](const QString &path) { return stampa.scriviPdf(path); },
+            [&stampa](const QString &path) { return stampa.scriviCsv(path); });
     anteprima.exec();
 }
 

@@ -6,7 +6,6 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QMessageBox>
-#include <QPrintPreviewDialog>
 #include <QToolBar>
 
 namespace frame {
@@ -30,22 +29,19 @@ void SalvaCsv(QWidget *parent, const QString &titolo, const ScriveFile &csv)
     salva(parent, titolo, "CAP65", QStringLiteral(".csv"), QStringLiteral("CSV (*.csv)"), csv); // "Save as a CSV file"
 }
 
-void AggiungeEsportazioni(QPrintPreviewDialog &anteprima, const QString &titolo, ScriveFile pdf, ScriveFile csv)
+void AggiungeEsportazioni(QToolBar &bar, const QString &titolo, ScriveFile pdf, ScriveFile csv)
 {
-    auto *bar = anteprima.findChild<QToolBar *>();
-    if (!bar)
-        return;
-    bar->addSeparator();
-    QAction *aPdf = bar->addAction(QStringLiteral("PDF"));
+    bar.addSeparator();
+    QAction *aPdf = bar.addAction(QStringLiteral("PDF"));
     aPdf->setToolTip(TestoLingua("CAP13")); // "Save as a PDF file"
     aPdf->setObjectName(QStringLiteral("savePdf"));
-    QObject::connect(aPdf, &QAction::triggered, &anteprima, [&anteprima, titolo, pdf] {
-        salva(&anteprima, titolo, "CAP13", QStringLiteral(".pdf"), QStringLiteral("PDF (*.pdf)"), pdf);
+    QObject::connect(aPdf, &QAction::triggered, &bar, [&bar, titolo, pdf] {
+        salva(bar.window(), titolo, "CAP13", QStringLiteral(".pdf"), QStringLiteral("PDF (*.pdf)"), pdf);
     });
-    QAction *aCsv = bar->addAction(QStringLiteral("CSV"));
+    QAction *aCsv = bar.addAction(QStringLiteral("CSV"));
     aCsv->setToolTip(TestoLingua("CAP65"));
     aCsv->setObjectName(QStringLiteral("saveCsv"));
-    QObject::connect(aCsv, &QAction::triggered, &anteprima, [&anteprima, titolo, csv] { SalvaCsv(&anteprima, titolo, csv); });
+    QObject::connect(aCsv, &QAction::triggered, &bar, [&bar, titolo, csv] { SalvaCsv(bar.window(), titolo, csv); });
 }
 
 } // namespace frame

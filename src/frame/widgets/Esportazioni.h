@@ -4,7 +4,7 @@
 
 #include <functional>
 
-class QPrintPreviewDialog;
+class QToolBar;
 class QWidget;
 
 namespace frame {
@@ -12,10 +12,10 @@ namespace frame {
 // A writer of a file at a path: the text of the failure, empty when written.
 using ScriveFile = std::function<QString(const QString &)>;
 
-// Adds to a print preview's toolbar the buttons that save what it shows as a
-// PDF file and as a CSV file for a spreadsheet. Each asks for the file's name
-// and tells its own failure: the window that opened the preview may be gone.
-void AggiungeEsportazioni(QPrintPreviewDialog &anteprima, const QString &titolo, ScriveFile pdf, ScriveFile csv);
+// Adds to a preview's toolbar the buttons that save what it shows as a PDF file
+// and as a CSV file for a spreadsheet. Each asks for the file's name and tells
+// its own failure over the toolbar's window: the one that opened it may be gone.
+void AggiungeEsportazioni(QToolBar &bar, const QString &titolo, ScriveFile pdf, ScriveFile csv);
 
 // Asks where to save `titolo` as CSV and writes it there; the failure is shown over `parent`.
 void SalvaCsv(QWidget *parent, const QString &titolo, const ScriveFile &csv);

@@ -117,7 +117,11 @@ PagineReport::PagineReport(std::shared_ptr<ReportRun> run, QString titolo) : m_r
 
 QPageLayout PagineReport::pageLayout() const { return m_run->pageLayout(); }
 
+int PagineReport::pageCount() const { return m_run->pageCount(); }
+
 void PagineReport::paint(QPainter &painter, QPagedPaintDevice &device) const { m_run->paint(painter, device, nullptr); }
+
+void PagineReport::paintPage(QPainter &painter, QPaintDevice &device, int page) const { m_run->paintPage(painter, device, page); }
 
 QString PagineReport::writePdf(const QString &path) const
 {

@@ -10,6 +10,7 @@
 #include <memory>
 
 class QPagedPaintDevice;
+class QPaintDevice;
 class QPainter;
 
 namespace frame {
@@ -28,7 +29,11 @@ public:
     PagineReport(std::shared_ptr<engine::ReportRun> run, QString titolo);
     const QString &titolo() const { return m_titolo; }
     QPageLayout pageLayout() const;
+    int pageCount() const;
     void paint(QPainter &painter, QPagedPaintDevice &device) const;
+    // Paints page `page` (from 1) alone, sized to the device's resolution: a preview shows
+    // its first page without waiting for the others.
+    void paintPage(QPainter &painter, QPaintDevice &device, int page) const;
     // Writes the pages as a PDF file; the text of the failure, empty when written.
     QString writePdf(const QString &path) const;
     // Writes the detail rows as a CSV file, headed by the columns' captions; the text of the failure, empty when written.

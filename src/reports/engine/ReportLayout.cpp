@@ -17,6 +17,9 @@ namespace {
 // Far beyond any list worth printing; a run that reaches it stops with a message instead of writing on.
 constexpr int MaxPages = 10000;
 
+// Thrown when the one page asked for has ended: the rest of the walk would paint nothing.
+struct PageDone {};
+
 } // namespace
 
 QPageLayout ReportRun::pageLayout() const
@@ -40,16 +43,39 @@ int ReportRun::paginate()
     return m_pages;
 }
 
-void ReportRun::paint(QPainter &painter, QPagedPaintDevice &device, QList<LaidOutSection> *keep)
+void ReportRun::prepareDevice(QPaintDevice &device)
 {
-    m_device = &device;
     m_dotsPerMm = device.logicalDpiX() / 25.4;
     // Metrics of each item's font on this device, made once rather than for every row.
     for (CSection &s : m_sections)
         for (CItem &c : s.items)
             c.metrics = std::make_shared<QFontMetricsF>(c.font, &device);
+}
+
+void ReportRun::paint(QPainter &painter, QPagedPaintDevice &device, QList<LaidOutSection> *keep)
+{
+    prepareDevice(device);
+    m_paged = &device;
     walk(&painter, keep);
-    m_device = nullptr;
+    m_paged = nullptr;
+}
+
+void ReportRun::paintPage(QPainter &painter, QPaintDevice &device, int page)
+{
+    if (page < 1)
+        return;
+    prepareDevice(device);
+    m_onlyPage = page;
+    try {
+        walk(&painter, nullptr);
+    } catch (const PageDone &) {
+        m_painter = m_target = nullptr;
+        m_keep = nullptr;
+    } catch (...) {
+        m_onlyPage = 0;
+        throw;
+    }
+    m_onlyPage = 0;
 }
 
 bool ReportRun::suppressed(const Formula &f, const Row &row) const
@@ -117,7 +143,7 @@ void ReportRun::closeGraphs(int scope)
 
 void ReportRun::walk(QPainter *painter, QList<LaidOutSection> *keep)
 {
-    m_painter = painter;
+    m_target = painter;
     m_keep = keep;
     m_page = 0;
     m_recordNumber = 0;
@@ -180,19 +206,22 @@ void ReportRun::walk(QPainter *painter, QList<LaidOutSection> *keep)
         place(m_sections.at(s), last);
     closeGraphs(-1);
     endPage(last);
-    m_painter = nullptr;
+    m_painter = m_target = nullptr;
     m_keep = nullptr;
 }
 
 void ReportRun::startPage(const Row &row, bool first)
 {
-    if (!first && m_painter)
-        m_device->newPage();
+    if (!first && m_onlyPage == m_page)
+        throw PageDone{};
+    if (!first && m_paged)
+        m_paged->newPage();
     if (++m_page > MaxPages)
         throw RunError(QStringLiteral("The report %1 would run to more than %2 pages. Choose a shorter period or fewer "
                                       "rows, or check the sizes of the template's page and sections.")
                            .arg(m_t.fileName)
                            .arg(MaxPages));
+    m_painter = m_onlyPage == 0 || m_onlyPage == m_page ? m_target : nullptr;
     double footer = 0;
     for (int s : m_pageFooters)
         footer += m_sections.at(s).section->height;

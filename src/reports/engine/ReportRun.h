@@ -20,6 +20,7 @@
 
 class QPainter;
 class QPagedPaintDevice;
+class QPaintDevice;
 struct sqlite3_stmt;
 
 namespace store {
@@ -78,6 +79,9 @@ public:
     // Second pass, onto a paged device whose page layout is pageLayout().
     // `keep` receives the texts of every section when given.
     void paint(QPainter &painter, QPagedPaintDevice &device, QList<LaidOutSection> *keep);
+    // Paints page `page` (from 1) alone, on any device of the page's size: the walk
+    // runs from the start, for the variables and groups, and stops once that page ends.
+    void paintPage(QPainter &painter, QPaintDevice &device, int page);
 
     // The detail rows as a table, for a spreadsheet: one column for each field of
     // the detail, headed by the text drawn above it in the page or group header,
@@ -192,6 +196,7 @@ private:
     double mm(double v) const { return v * m_dotsPerMm; }
     QString itemText(const CItem &ci, const Row &row) const;
     void rigaTabella(const Row &row);
+    void prepareDevice(QPaintDevice &device);
 
     tpl::Template m_t;
     QVector<Table> m_tables;                  // the source, its joins, then the lookups
@@ -224,8 +229,10 @@ private:
     std::vector<int> m_order;
 
     // Walk state.
-    QPainter *m_painter = nullptr;
-    QPagedPaintDevice *m_device = nullptr;
+    QPainter *m_painter = nullptr;            // while the page being walked is painted
+    QPainter *m_target = nullptr;             // the painter the caller gave
+    QPagedPaintDevice *m_paged = nullptr;     // turns its pages while a whole run is painted
+    int m_onlyPage = 0;                       // the one page painted, 0 for all
     QList<LaidOutSection> *m_keep = nullptr;
     bool m_gathering = false;                 // first pass: graphs gather their data
     double m_dotsPerMm = 1;

@@ -3,7 +3,6 @@
 
 #include "reports/runs/StampeElenchi.h"
 
-#include <QPrintPreviewDialog>
 #include <QWidget>
 
 namespace reports {
