@@ -492,6 +492,7 @@ void frmClienti::elencoPersonalizzato()
         prompter().information(TestoLingua("M0010")); // no field chosen: nothing to print
         return;
     }
+    frame::MostraStato(QString());
     m_report.esegui(*lancio);
 }
 
