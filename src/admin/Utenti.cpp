@@ -26,15 +26,6 @@ void critico(Prompter &prompter, const char *chiave)
     prompter.message(TestoLingua(chiave), Prompter::Icon::Critical);
 }
 
-// The password mark of Accessi is text; this window writes "-1" or "0", and
-// reads a yes in the spellings the login accepts.
-bool marcato(const QVariant &v)
-{
-    static const QStringList si = {QStringLiteral("-1"), QStringLiteral("1"),  QStringLiteral("TRUE"), QStringLiteral("S"),
-                                   QStringLiteral("SI"), QStringLiteral("YES"), QStringLiteral("VERO")};
-    return si.contains(v.toString().trimmed().toUpper());
-}
-
 } // namespace
 
 QString SorgenteUtenti()
@@ -230,7 +221,7 @@ QVariant ModelloAccessi::data(const QModelIndex &index, int role) const
         }
     }
     if (c == QLatin1String("Password") || c == QLatin1String("Abilitato") || c == QLatin1String("Visibile")) {
-        const bool si = c == QLatin1String("Password") ? marcato(valore) : valore.toBool();
+        const bool si = c == QLatin1String("Password") ? frame::PasswordMarcata(valore) : valore.toBool();
         if (role == Qt::CheckStateRole)
             return si ? Qt::Checked : Qt::Unchecked;
         if (role == Qt::TextAlignmentRole)

@@ -26,15 +26,14 @@ constexpr ElementoFisso Elementi[] = {
     {411, "M0271", false}, {421, "M0272", false}, {431, "M0273", false},
 };
 
-// The rights grid keeps the password mark as text: a yes in any of its spellings.
-bool testoVero(const QVariant &v)
+} // namespace
+
+bool PasswordMarcata(const QVariant &v)
 {
     const QString t = v.toString().trimmed().toUpper();
     return t == QLatin1String("-1") || t == QLatin1String("1") || t == QLatin1String("TRUE") || t == QLatin1String("S")
            || t == QLatin1String("SI") || t == QLatin1String("YES") || t == QLatin1String("VERO");
 }
-
-} // namespace
 
 bool EAmministratore()
 {
@@ -80,7 +79,7 @@ void LeggeDirittiUtente(store::Database &db, int idUtente)
         d.Autorizzazione = st.value(1).toString();
         d.Abilitato = st.value(2).toLongLong() != 0;
         d.Visibile = st.value(3).toLongLong() != 0;
-        d.Password = testoVero(st.value(4));
+        d.Password = PasswordMarcata(st.value(4));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "frame/PublicState.h"
 
 #include <QString>
+#include <QVariant>
 #include <QVector>
 
 namespace store {
@@ -26,6 +27,8 @@ struct VoceMenu {
     bool visibile = true;
 };
 
+// The password mark of a rights row is kept as text: a yes in any of its spellings ("-1", "S", "True"...).
+bool PasswordMarcata(const QVariant &marca);
 // ElencoElementi in its fixed order, with the spare last element; IndiceTabelle and IndiceStampe.
 void CostruisceElencoElementi();
 // DirittiUtente from the user's rows of Accessi, by position in the order they come; empty without rows.
