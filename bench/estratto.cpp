@@ -76,7 +76,7 @@ int main(int argc, char **argv)
     int esito = 0;
     try {
         const QString path = bench::BasedatiCassa(app.arguments().value(1));
-        auto &p = bench::PreparaProgramma(path);
+        bench::PreparaProgramma(path);
         store::Database &db = frame::basedati();
         const qint64 cliente = db.scalar(QStringLiteral("select min(Id) from Clienti where Cliente <> 0")).toLongLong();
         const bool senzaAnno = db.scalar(QStringLiteral("select count(*) from TabProgressivi where Anno = '2026'")).toInt() == 0;
