@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-#include <QByteArray>
 #include <QDialog>
-#include <QVariant>
-
-#include <functional>
 
 class QLineEdit;
 
@@ -43,7 +39,6 @@ public:
     ~frmimposta() override;
 
     Modo modo() const { return m_modo; }
-    Ui::frmimposta &ui() const { return *m_ui; }
 
     // Shows the counters of `anno` (Show counters); M0023 when the table has no year.
     void MostraProgressivi(const QString &anno);
