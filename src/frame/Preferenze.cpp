@@ -6,7 +6,6 @@
 #include "frame/SettingsStore.h"
 
 #include "store/Database.h"
-#include "store/Recordset.h"
 
 namespace frame {
 
@@ -223,11 +222,7 @@ void Preferenze::setCompattaLocadati(int avvii)
 
 QVariant Preferenze::colonna(const char *nome) const
 {
-    store::Recordset rs(basedati(), QStringLiteral("select \"%1\" from Impostazioni").arg(QLatin1String(nome)));
-    if (rs.isEmpty())
-        return QVariant();
-    rs.MoveFirst();
-    return rs.value(QLatin1String(nome));
+    return CampoImpostazione(QLatin1String(nome));
 }
 
 QString Preferenze::testo(const char *nome) const
@@ -239,11 +234,12 @@ QString Preferenze::testo(const char *nome) const
 void Preferenze::scriviColonna(const char *nome, const QVariant &valore)
 {
     const QVariant prima = colonna(nome);
+    const bool uguale = uguali(prima, valore);
     // A value that stays the same isn't written: a save of the whole tab rewrites only what changed.
-    if (prima.isValid() && prima.isNull() == valore.isNull() && uguali(prima, valore))
+    if (uguale && prima.isValid() && prima.isNull() == valore.isNull())
         return;
     ScriveImpostazione(QLatin1String(nome), valore);
-    if (uguali(prima, valore))
+    if (uguale)
         return;
     if (m_inAttesa)
         m_inAttesa->append(QLatin1String(nome));

@@ -30,13 +30,18 @@ QString sqlImpostazione(const QString &campo)
 
 } // namespace
 
-QVariant LeggeImpostazione(const QString &campo)
+QVariant CampoImpostazione(const QString &campo)
 {
     store::Recordset rs(basedati(), sqlImpostazione(campo));
     if (rs.isEmpty())
-        return QString();
+        return QVariant();
     rs.MoveFirst();
-    const QVariant v = rs.value(campo);
+    return rs.value(campo);
+}
+
+QVariant LeggeImpostazione(const QString &campo)
+{
+    const QVariant v = CampoImpostazione(campo);
     return v.isNull() ? QVariant(QString()) : v;
 }
 

@@ -21,6 +21,8 @@ store::Database &basedati();
 
 // The single row of Impostazioni: a field's value ("" for no row or Null), and its write.
 QVariant LeggeImpostazione(const QString &campo);
+// The same field as stored: Null kept, an invalid QVariant when there is no row.
+QVariant CampoImpostazione(const QString &campo);
 void ScriveImpostazione(const QString &campo, const QVariant &valore);
 // Field of the first row of a query: "" (LeggeTestoSQL) or an invalid QVariant
 // (LeggiCampoSQL) when no row came back; a Null field gives "" or `predefinito`.
